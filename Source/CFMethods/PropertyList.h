@@ -42,14 +42,17 @@ public:
     void Retain() const { mReferences.fetch_add( 1, std::memory_order_relaxed ); }
     void Release() const
     {
+        if ( mFlags & kInternedFlag )
+            ReleaseInterned();
         // The last holder may destroy without an atomic write: nobody else can see the value.
-        if ( mReferences.load( std::memory_order_acquire ) == 1 or
+        else if ( mReferences.load( std::memory_order_acquire ) == 1 or
             mReferences.fetch_sub( 1, std::memory_order_acq_rel ) == 1 )
             Destroy( this );
     }
     [[nodiscard]] std::uint32_t GetRetainCount() const { return mReferences.load( std::memory_order_relaxed ); }
 
 protected:
+    friend struct XPlistMaker;
     XPlistNode( XPlistType inType, std::uint8_t inFlags ) : mType( inType ), mFlags( inFlags ) {}
     ~XPlistNode() = default;
 
@@ -59,6 +62,9 @@ protected:
     static constexpr std::uint8_t kUnsignedFlag = 8; // an integer above the signed 64-bit range
 
     static void Destroy( const XPlistNode* inNode );
+    // A key in the table may be found by another thread at any moment, so its last release is
+    // decided under the table's lock.
+    void ReleaseInterned() const;
 
     mutable std::atomic<std::uint32_t> mReferences{ 1 };
     XPlistType mType;
@@ -193,8 +199,9 @@ private:
     friend class XPlistNode;
     friend class XPlistKeyTable;
     friend struct XPlistMaker;
-    XPlistString( std::size_t inLength, std::uint8_t inFlags ) :
-        XPlistNode( XPlistType::kString, inFlags ), mLength( std::uint32_t( inLength ) )
+    XPlistString( std::size_t inLength, std::uint8_t inFlags )
+        : XPlistNode( XPlistType::kString, inFlags ),
+          mLength( std::uint32_t( inLength ) )
     {}
 
     std::uint32_t mLength;
@@ -227,8 +234,9 @@ public:
 private:
     friend class XPlistNode;
     friend struct XPlistMaker;
-    XPlistNumber( std::uint64_t inBits, std::uint8_t inFlags ) :
-        XPlistNode( XPlistType::kNumber, inFlags ), mBits( inBits )
+    XPlistNumber( std::uint64_t inBits, std::uint8_t inFlags )
+        : XPlistNode( XPlistType::kNumber, inFlags ),
+          mBits( inBits )
     {}
 
     std::uint64_t mBits;
@@ -286,8 +294,9 @@ private:
 class XKey
 {
 public:
-    constexpr explicit XKey( std::string_view inName ) :
-        mName( inName ), mHash( XPlistDetail::HashUnits( inName.data(), inName.size() ) )
+    constexpr explicit XKey( std::string_view inName )
+        : mName( inName ),
+          mHash( XPlistDetail::HashUnits( inName.data(), inName.size() ) )
     {}
 
     [[nodiscard]] constexpr std::string_view Name() const { return mName; }
@@ -299,10 +308,7 @@ private:
 };
 
 // A lambda, so that the hash is worked out at compile time wherever the key stands.
-#define CFSTR( inLiteral )                                                                                            \
-    ( []() consteval {                                                                                                \
-        return XKey( inLiteral );                                                                                     \
-    }() )
+#define CFSTR( inLiteral ) ( []() consteval { return XKey( inLiteral ); }() )
 
 /// The opaque handle of any property-list value; may be null.
 class __SafeCFPropertyList
@@ -311,9 +317,8 @@ public:
     __SafeCFPropertyList() = default;
     __SafeCFPropertyList( std::nullptr_t ) {}
     template<class T>
-        requires std::is_base_of_v<XPlistNode, T>
-    __SafeCFPropertyList( CFContainer<T> inValue ) :
-        mNode( CFContainer<XPlistNode>::Adopt( inValue ? inValue.Release() : nullptr ) )
+    requires std::is_base_of_v<XPlistNode, T> __SafeCFPropertyList( CFContainer<T> inValue )
+        : mNode( CFContainer<XPlistNode>::Adopt( inValue ? inValue.Release() : nullptr ) )
     {}
     __SafeCFPropertyList( const XText& inText );
     /// Shares the node.
@@ -390,11 +395,28 @@ private:
 
 inline __SafeCFPropertyList::__SafeCFPropertyList( const XText& inText ) : __SafeCFPropertyList( inText.GetString() ) {}
 
-/// An ordered list of values; no element is null.
-class XPlistArray final : public XPlistNode
+/// What arrays and dictionaries share: a count, and room for the link that destroying uses.
+class XPlistContainer : public XPlistNode
 {
 public:
     [[nodiscard]] std::size_t GetCount() const { return mCount; }
+
+protected:
+    friend class XPlistNode;
+    XPlistContainer( XPlistType inType, std::size_t inCount )
+        : XPlistNode( inType, 0 ),
+          mCount( std::uint32_t( inCount ) )
+    {}
+    ~XPlistContainer() = default;
+
+    std::uint32_t mCount;
+    mutable std::uint32_t mLinkHigh = 0; // see XPlistNode::Destroy
+};
+
+/// An ordered list of values; no element is null. At most 2^32 - 1 of them.
+class XPlistArray final : public XPlistContainer
+{
+public:
     /// The element; beyond the end asserts "inIndex < GetCount()" and gives null.
     [[nodiscard]] __SafeCFPropertyList GetValueAt( std::size_t inIndex ) const;
     [[nodiscard]] const XPlistNode* NodeAt( std::size_t inIndex ) const { return Nodes()[inIndex]; }
@@ -408,15 +430,13 @@ private:
     friend class XPlistNode;
     friend class XMutableArray;
     friend struct XPlistMaker;
-    explicit XPlistArray( std::size_t inCount ) : XPlistNode( XPlistType::kArray, 0 ), mCount( inCount ) {}
+    explicit XPlistArray( std::size_t inCount ) : XPlistContainer( XPlistType::kArray, inCount ) {}
     const XPlistNode** MutableNodes() { return reinterpret_cast<const XPlistNode**>( this + 1 ); }
-
-    std::uint64_t mCount;
 };
 
 /// Keys and their values, kept in the order of the keys' UTF-16 units whatever order they were set in,
 /// so that equal dictionaries are written as equal bytes.
-class XPlistDictionary final : public XPlistNode
+class XPlistDictionary final : public XPlistContainer
 {
 public:
     struct Entry
@@ -425,7 +445,6 @@ public:
         const XPlistNode* mValue;
     };
 
-    [[nodiscard]] std::size_t GetCount() const { return mCount; }
     [[nodiscard]] std::span<const Entry> GetEntries() const
     {
         return { reinterpret_cast<const Entry*>( this + 1 ), mCount };
@@ -454,11 +473,8 @@ private:
     friend class XPlistNode;
     friend class XMutableDictionary;
     friend struct XPlistMaker;
-    explicit XPlistDictionary( std::size_t inCount ) : XPlistNode( XPlistType::kDictionary, 0 ), mCount( inCount ) {}
+    explicit XPlistDictionary( std::size_t inCount ) : XPlistContainer( XPlistType::kDictionary, inCount ) {}
     Entry* MutableEntries() { return reinterpret_cast<Entry*>( this + 1 ); }
-    const XPlistNode* FindIn( const XKey& inKey ) const;
-
-    std::uint64_t mCount;
 };
 
 inline const XPlistArray* __SafeCFPropertyList::AsArray() const

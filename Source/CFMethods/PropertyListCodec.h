@@ -18,8 +18,9 @@ class XBytes
 {
 public:
     XBytes() = default;
-    explicit XBytes( std::size_t inSize ) :
-        mBytes( inSize ? std::make_unique_for_overwrite<std::uint8_t[]>( inSize ) : nullptr ), mSize( inSize )
+    explicit XBytes( std::size_t inSize )
+        : mBytes( inSize ? std::make_unique_for_overwrite<std::uint8_t[]>( inSize ) : nullptr ),
+          mSize( inSize )
     {}
     explicit XBytes( std::string_view inBytes );
 
@@ -49,9 +50,9 @@ struct XPlistLimits
 struct XPlistFault
 {
     std::string mMessage;
-    std::uint64_t mOffset = 0;             ///< of the byte, from the start of the input
-    std::optional<std::uint64_t> mObject;  ///< binary: the number of the object
-    std::uint64_t mLine = 0, mColumn = 0;  ///< XML: counted from 1; 0 in binary
+    std::uint64_t mOffset = 0;            ///< of the byte, from the start of the input
+    std::optional<std::uint64_t> mObject; ///< binary: the number of the object
+    std::uint64_t mLine = 0, mColumn = 0; ///< XML: counted from 1; 0 in binary
 
     /// The whole sentence: message, object or line, and offset.
     [[nodiscard]] std::string Describe() const;

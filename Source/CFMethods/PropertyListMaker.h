@@ -27,13 +27,13 @@ struct XPlistMaker
     /// Every entry has to be given an interned key and a value, and owns a reference to each; then
     /// SortEntries puts them in order.
     static XPlistDictionary* NewDictionary( std::size_t inCount );
-    static XPlistDictionary::Entry* Entries( XPlistDictionary* inDictionary )
-    {
-        return inDictionary->MutableEntries();
-    }
+    static XPlistDictionary::Entry* Entries( XPlistDictionary* inDictionary ) { return inDictionary->MutableEntries(); }
     /// Sorts by key. Of equal keys the last that was filled in stays, and the others are released;
     /// the result is the number of entries that went.
     static std::size_t SortEntries( XPlistDictionary* inDictionary );
+
+    /// Takes out the entries that hold this very value.
+    static void RemoveEntries( XPlistDictionary* inDictionary, const XPlistNode* inValue );
 
     /// A node that nobody holds yet takes another reference, without an atomic operation.
     static void RetainUnshared( const XPlistNode* inNode )
