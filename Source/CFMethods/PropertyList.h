@@ -403,6 +403,7 @@ public:
 
 protected:
     friend class XPlistNode;
+    friend struct XPlistMaker;
     XPlistContainer( XPlistType inType, std::size_t inCount )
         : XPlistNode( inType, 0 ),
           mCount( std::uint32_t( inCount ) )

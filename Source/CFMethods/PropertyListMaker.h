@@ -28,12 +28,24 @@ struct XPlistMaker
     /// SortEntries puts them in order.
     static XPlistDictionary* NewDictionary( std::size_t inCount );
     static XPlistDictionary::Entry* Entries( XPlistDictionary* inDictionary ) { return inDictionary->MutableEntries(); }
-    /// Sorts by key. Of equal keys the last that was filled in stays, and the others are released;
-    /// the result is the number of entries that went.
-    static std::size_t SortEntries( XPlistDictionary* inDictionary );
-
+    /// Sorts by key. Of equal keys the last that was filled in stays; the others are released, or
+    /// handed over with their values. The result is the number of entries that went.
+    static std::size_t SortEntries(
+        XPlistDictionary* inDictionary, std::vector<__SafeCFPropertyList>* outGivenUp = nullptr );
     /// Takes out the entries that hold this very value.
     static void RemoveEntries( XPlistDictionary* inDictionary, const XPlistNode* inValue );
+
+    /// Shortens a container that is being given up; what it no longer counts is the caller's.
+    static void SetCount( XPlistContainer* inContainer, std::size_t inCount )
+    {
+        inContainer->mCount = std::uint32_t( inCount );
+    }
+    /// Room in a container's head that is free until it is destroyed.
+    static std::uint32_t& Spare( XPlistNode* inContainer )
+    {
+        return static_cast<XPlistContainer*>( inContainer )->mLinkHigh;
+    }
+    static bool IsInternedString( const XPlistNode* inNode ) { return inNode->mFlags & XPlistNode::kInternedFlag; }
 
     /// A node that nobody holds yet takes another reference, without an atomic operation.
     static void RetainUnshared( const XPlistNode* inNode )

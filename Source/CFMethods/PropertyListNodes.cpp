@@ -240,7 +240,7 @@ XPlistDictionary* XPlistMaker::NewDictionary( std::size_t inCount )
         XPlistDictionary( inCount );
 }
 
-std::size_t XPlistMaker::SortEntries( XPlistDictionary* inDictionary )
+std::size_t XPlistMaker::SortEntries( XPlistDictionary* inDictionary, std::vector<__SafeCFPropertyList>* outGivenUp )
 {
     using Entry = XPlistDictionary::Entry;
     const auto compare = []( const Entry& a, const Entry& b ) {
@@ -278,8 +278,14 @@ std::size_t XPlistMaker::SortEntries( XPlistDictionary* inDictionary )
     {
         if ( kept > 0 and compare( entries[kept - 1], entry ) == 0 )
         {
-            entries[kept - 1].mKey->Release();
-            entries[kept - 1].mValue->Release();
+            for ( const XPlistNode* const node :
+                { static_cast<const XPlistNode*>( entries[kept - 1].mKey ), entries[kept - 1].mValue } )
+            {
+                if ( outGivenUp )
+                    outGivenUp->emplace_back( CFContainer<XPlistNode>::Adopt( node ) );
+                else
+                    node->Release();
+            }
             entries[kept - 1] = entry;
         }
         else
