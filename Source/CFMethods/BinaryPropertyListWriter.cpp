@@ -1,7 +1,8 @@
-// Writing goes twice over the value. The first pass numbers the objects: the list of objects is
-// its own queue, so containers are met level by level, without recursion, and the references
-// that each container will write are collected in the order of writing. After it every size is
-// known, so the second pass fills one buffer of the exact size.
+// Writing goes twice over the value. The first pass numbers the objects, a parent before its
+// children and a subtree before its next neighbour: that is mostly the order in which they were
+// made, so memory is read forwards. It keeps a stack of its own instead of recursing, and collects
+// the references of each container in a block, block after block in the order of the numbers.
+// After it every size is known, so the second pass fills one buffer of the exact size.
 //
 // Equal strings, numbers, dates and data get one number. The hash is seeded anew for each
 // process, so that no file can be crafted to make the look-up slow; numbers are given in the order
@@ -123,11 +124,11 @@ public:
         if ( recent.mNode == inLeaf )
             return recent.mNumber;
 
-        const std::uint64_t hash = Hash( inLeaf );
+        const auto hash = std::uint32_t( Hash( inLeaf ) );
         std::size_t at = hash & ( mSlots.size() - 1 );
         for ( ; mSlots[at].mNumber != 0; at = ( at + 1 ) & ( mSlots.size() - 1 ) )
         {
-            if ( mSlots[at].mHash == std::uint32_t( hash >> 32 ) and Same( mObjects[mSlots[at].mNumber - 1], inLeaf ) )
+            if ( mSlots[at].mHash == hash and Same( mObjects[mSlots[at].mNumber - 1], inLeaf ) )
             {
                 recent = { inLeaf, mSlots[at].mNumber - 1 };
                 return recent.mNumber;
@@ -136,7 +137,7 @@ public:
         outNew = true;
         const auto number = std::uint32_t( mObjects.size() );
         mObjects.push_back( inLeaf );
-        mSlots[at] = { std::uint32_t( hash >> 32 ), number + 1 };
+        mSlots[at] = { hash, number + 1 };
         recent = { inLeaf, number };
         if ( ++mCount * 2 > mSlots.size() )
             Grow();
@@ -186,14 +187,13 @@ private:
     }
     void Grow()
     {
-        // The slot isn't kept beside the hash's other half, so growing hashes the values once more.
         std::vector<Slot> old( mSlots.size() * 4 );
         old.swap( mSlots );
         for ( const Slot& slot : old )
         {
             if ( slot.mNumber == 0 )
                 continue;
-            std::size_t at = Hash( mObjects[slot.mNumber - 1] ) & ( mSlots.size() - 1 );
+            std::size_t at = slot.mHash & ( mSlots.size() - 1 );
             while ( mSlots[at].mNumber != 0 )
                 at = ( at + 1 ) & ( mSlots.size() - 1 );
             mSlots[at] = slot;
@@ -209,13 +209,28 @@ private:
 class Writer
 {
 public:
-    explicit Writer( const XPlistNode* inRoot ) : mUniquer( mObjects ) { NumberOf( inRoot ); }
+    Writer() : mUniquer( mObjects ) {}
 
-    XBytes Write();
+    XBytes Write( const XPlistNode* inRoot );
 
 private:
-    std::uint32_t NumberOf( const XPlistNode* inNode );
-    void NumberObjects();
+    // A container whose children are being numbered, and where their references go.
+    struct Frame
+    {
+        const XPlistContainer* mNode;
+        std::size_t mNext, mSlot;
+
+        [[nodiscard]] const XPlistNode* NextChild()
+        {
+            if ( mNode->GetType() == XPlistType::kArray )
+                return static_cast<const XPlistArray*>( mNode )->NodeAt( mNext++ );
+            return static_cast<const XPlistDictionary*>( mNode )->GetEntries()[mNext++].mValue;
+        }
+    };
+
+    std::uint32_t LeafNumber( const XPlistNode* inLeaf );
+    std::uint32_t BeginContainer( const XPlistNode* inNode );
+    void NumberObjects( const XPlistNode* inRoot );
     static std::size_t LeafSize( const XPlistNode* inNode );
     std::uint8_t* StoreLeaf( std::uint8_t* outBytes, const XPlistNode* inNode ) const;
     template<class Reference>
@@ -225,44 +240,59 @@ private:
 
     std::vector<const XPlistNode*> mObjects;
     std::vector<std::uint32_t> mReferences;
+    std::vector<Frame> mStack;
     std::uint64_t mSize = 0; // of all objects, their references apart
     Uniquer mUniquer;
 };
 
-// At most 2^32 - 1 objects, which is far beyond what memory holds.
-std::uint32_t Writer::NumberOf( const XPlistNode* inNode )
+std::uint32_t Writer::LeafNumber( const XPlistNode* inLeaf )
 {
-    if ( inNode->GetType() >= XPlistType::kArray )
-    {
-        mSize += HeadSize( static_cast<const XPlistContainer*>( inNode )->GetCount() );
-        mObjects.push_back( inNode );
-        return std::uint32_t( mObjects.size() - 1 );
-    }
     bool isNew = false;
-    const std::uint32_t number = mUniquer.NumberOf( inNode, isNew );
+    const std::uint32_t number = mUniquer.NumberOf( inLeaf, isNew );
     if ( isNew )
-        mSize += LeafSize( inNode );
+        mSize += LeafSize( inLeaf );
     return number;
 }
 
-void Writer::NumberObjects()
+// At most 2^32 - 1 objects, which is far beyond what memory holds.
+std::uint32_t Writer::BeginContainer( const XPlistNode* inNode )
 {
-    for ( std::size_t i = 0; i < mObjects.size(); ++i )
+    const auto number = std::uint32_t( mObjects.size() );
+    const auto* const container = static_cast<const XPlistContainer*>( inNode );
+    const std::size_t count = container->GetCount();
+    const std::size_t block = mReferences.size();
+    mObjects.push_back( inNode );
+    mSize += HeadSize( count );
+    std::size_t keys = 0;
+    if ( inNode->GetType() == XPlistType::kDictionary )
     {
-        const XPlistNode* const node = mObjects[i];
-        if ( node->GetType() == XPlistType::kArray )
+        mReferences.resize( block + 2 * count );
+        for ( const auto& entry : static_cast<const XPlistDictionary*>( inNode )->GetEntries() )
+            mReferences[block + keys++] = LeafNumber( entry.mKey );
+    }
+    else
+        mReferences.resize( block + count );
+    mStack.push_back( { container, 0, block + keys } );
+    return number;
+}
+
+void Writer::NumberObjects( const XPlistNode* inRoot )
+{
+    if ( inRoot->GetType() < XPlistType::kArray )
+        LeafNumber( inRoot );
+    else
+        BeginContainer( inRoot );
+    while ( not mStack.empty() )
+    {
+        Frame& frame = mStack.back();
+        if ( frame.mNext == frame.mNode->GetCount() )
         {
-            for ( const XPlistNode* const element : static_cast<const XPlistArray*>( node )->Nodes() )
-                mReferences.push_back( NumberOf( element ) );
+            mStack.pop_back();
+            continue;
         }
-        else if ( node->GetType() == XPlistType::kDictionary )
-        {
-            const auto entries = static_cast<const XPlistDictionary*>( node )->GetEntries();
-            for ( const auto& entry : entries )
-                mReferences.push_back( NumberOf( entry.mKey ) );
-            for ( const auto& entry : entries )
-                mReferences.push_back( NumberOf( entry.mValue ) );
-        }
+        const XPlistNode* const child = frame.NextChild();
+        const std::size_t slot = frame.mSlot++;
+        mReferences[slot] = child->GetType() < XPlistType::kArray ? LeafNumber( child ) : BeginContainer( child );
     }
 }
 
@@ -372,9 +402,9 @@ void Writer::StoreObjects( std::uint8_t* outBytes, std::uint8_t* outTable, unsig
     }
 }
 
-XBytes Writer::Write()
+XBytes Writer::Write( const XPlistNode* inRoot )
 {
-    NumberObjects();
+    NumberObjects( inRoot );
     const unsigned referenceSize = SizeFor( mObjects.size() - 1 );
     const std::uint64_t table = 8 + mSize + mReferences.size() * referenceSize;
     const unsigned offsetSize = SizeFor( table );
@@ -402,5 +432,5 @@ XBytes Writer::Write()
 
 XBytes WriteBinaryPropertyList( const __SafeCFPropertyList& inValue )
 {
-    return Writer( inValue.GetNode() ).Write();
+    return Writer().Write( inValue.GetNode() );
 }
