@@ -1,0 +1,365 @@
+#include "Defines/KVPreferences.h"
+
+#include "Defines/KVPreferenceDomain.h"
+#include "Utility/Work/Random.h"
+#include "XCAF/XErrorHandler.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace KVPreferences
+{
+namespace
+{
+constexpr const char* kFolderName = "Korvalen";
+
+/// What was read once or is open. UseFolder begins anew with another.
+struct State
+{
+    std::mutex mMutex; // for finding a domain and for the cached paths and identities, never held during a read
+    std::filesystem::path mFolder;
+    std::map<std::string, std::unique_ptr<KVPreferenceDomain>, std::less<>> mDomains;
+    std::once_flag mFolderOnce, mMacUUIDOnce, mMacRemoteUUIDOnce;
+    std::filesystem::path mFolderPath;
+    XText mMacUUID, mMacRemoteUUID;
+};
+
+std::mutex gStateMutex;
+std::shared_ptr<State> gState;
+
+std::filesystem::path FromEnvironment( const char* inName )
+{
+    const char* value = std::getenv( inName );
+    std::filesystem::path path( value ? value : "" );
+    // The rule of the base folders: a path that isn't absolute counts as not set.
+    return path.is_absolute() ? path : std::filesystem::path();
+}
+
+std::filesystem::path HomeFolder()
+{
+    if ( auto home = FromEnvironment( "HOME" ); not home.empty() )
+        return home;
+    const passwd* user = ::getpwuid( ::getuid() );
+    return user and user->pw_dir ? user->pw_dir : "/";
+}
+
+std::filesystem::path BaseFolder( const char* inVariable, const char* inBelowHome )
+{
+    auto folder = FromEnvironment( inVariable );
+    return folder.empty() ? HomeFolder() / inBelowHome : folder;
+}
+
+/// KORVALEN_HOME may be relative, as a shell user writes it; later changes of folder mustn't move it.
+std::filesystem::path GivenFolder()
+{
+    const char* given = std::getenv( "KORVALEN_HOME" );
+    if ( not given or not *given )
+        return {};
+    std::error_code error;
+    auto path = std::filesystem::absolute( given, error );
+    return error ? std::filesystem::path( given ) : path;
+}
+
+std::shared_ptr<State> CurrentState()
+{
+    const std::scoped_lock lock( gStateMutex );
+    if ( not gState )
+    {
+        gState = std::make_shared<State>();
+        gState->mFolder = GivenFolder();
+    }
+    return gState;
+}
+
+std::filesystem::path ConfigurationFolderOf( const State& inState )
+{
+    return inState.mFolder.empty() ? BaseFolder( "XDG_CONFIG_HOME", ".config" ) / kFolderName : inState.mFolder;
+}
+
+KVPreferenceDomain& DomainOf( State& ioState, const PreferenceID& inID )
+{
+    const std::scoped_lock lock( ioState.mMutex );
+    auto found = ioState.mDomains.find( inID.Domain() );
+    if ( found == ioState.mDomains.end() )
+    {
+        const std::string name( inID.Domain() );
+        auto domain = std::make_unique<KVPreferenceDomain>( ConfigurationFolderOf( ioState ) / ( name + ".plist" ) );
+        found = ioState.mDomains.emplace( name, std::move( domain ) ).first;
+    }
+    return *found->second;
+}
+
+/// The value of a setting as a number of some type.
+template<class Number, class Read>
+ErrorCode GetNumber( const PreferenceID& inID, Number* outValue, Number inDefault, Read inRead )
+{
+    XAssert( outValue != nullptr );
+    if ( outValue == nullptr )
+        return kBadTarget;
+    *outValue = inDefault;
+    const auto value = GetPropertyList( inID );
+    const XPlistNumber* number = value.AsNumber();
+    return number and inRead( *number, *outValue ) ? kFound : kNotFound;
+}
+
+/// A name of one folder, so that a setting can't lead out of the data folder.
+bool IsFolderName( TextView inName )
+{
+    return not inName.empty() and inName != u"." and inName != u".." and
+        inName.find_first_of( TextView( u"/\0", 2 ) ) == TextView::npos;
+}
+
+bool IsValidUUID( const XText& inUUID )
+{
+    const Text uuid = inUUID.GetText();
+    return uuid.size() >= 8 and uuid.size() <= 64 and std::ranges::all_of( uuid, []( char16_t inUnit ) {
+        return inUnit == u'-' or ( inUnit >= u'0' and inUnit <= u'9' ) or ( inUnit >= u'a' and inUnit <= u'z' ) or
+            ( inUnit >= u'A' and inUnit <= u'Z' );
+    } );
+}
+
+XText ReadOrMakeUUID( State& ioState, const PreferenceID& inID, const char* inLogLine )
+{
+    bool isRegenerating = false;
+    const auto MakeIfNeeded = [&]( const __SafeCFPropertyList& inOld ) {
+        const XText old = CFContainer<XPlistString>::Share( inOld.AsString() );
+        if ( IsValidUUID( old ) )
+            return inOld;
+        isRegenerating = not old.IsEmpty();
+        return __SafeCFPropertyList::String( uuidString() );
+    };
+    const auto value = DomainOf( ioState, inID ).Change( inID.Key(), MakeIfNeeded );
+    if ( isRegenerating )
+        XErrorHandler::PrivateMaybeLogFormat( "always", inLogLine );
+    return CFContainer<XPlistString>::Share( value.AsString() );
+}
+
+std::filesystem::path MadeFolder( std::filesystem::path inFolder )
+{
+    if ( const auto error = MakeFolders( inFolder ) )
+        XErrorHandler::PrivateMaybeLogFormat( "always", "KVPreferences %s", error->Describe() );
+    return inFolder;
+}
+
+std::filesystem::path FindFolderPath( State& ioState )
+{
+    if ( not ioState.mFolder.empty() )
+        return MadeFolder( ioState.mFolder );
+    Text name = Get( kPreferenceFolderNameID, u"" ).GetText();
+    if ( not IsFolderName( name ) )
+        name = TextFromASCII( kFolderName );
+    return MadeFolder( BaseFolder( "XDG_DATA_HOME", ".local/share" ) / UTF8FromText( name ) );
+}
+} // namespace
+
+__SafeCFPropertyList GetPropertyList( const PreferenceID& inID )
+{
+    return DomainOf( *CurrentState(), inID ).Get( inID.Key() );
+}
+
+bool Copy( const PreferenceID& inID, __SafeCFPropertyList& outValue )
+{
+    outValue = GetPropertyList( inID );
+    return bool( outValue );
+}
+
+XText Get( const PreferenceID& inID, const XText& inDefault )
+{
+    const auto value = GetPropertyList( inID );
+    return value.AsString() ? XText( CFContainer<XPlistString>::Share( value.AsString() ) ) : inDefault;
+}
+
+void Copy( const PreferenceID& inID, CFContainer<XPlistString>& outText, const XText& inDefault )
+{
+    outText = Get( inID, inDefault ).GetString();
+}
+
+ErrorCode Get( const PreferenceID& inID, bool* outValue, bool inDefault )
+{
+    XAssert( outValue != nullptr );
+    if ( outValue == nullptr )
+        return kBadTarget;
+    const auto value = GetPropertyList( inID );
+    const XPlistBoolean* flag = value.AsBoolean();
+    *outValue = flag ? flag->GetValue() : inDefault;
+    return flag ? kFound : kNotFound;
+}
+
+ErrorCode Get( const PreferenceID& inID, std::uint32_t* outValue, std::uint32_t inDefault )
+{
+    return GetNumber( inID, outValue, inDefault, []( const XPlistNumber& inNumber, std::uint32_t& ioValue ) {
+        std::int64_t number = 0;
+        const bool fits = inNumber.Get( number ) and number >= 0 and number <= std::int64_t( UINT32_MAX );
+        if ( fits )
+            ioValue = std::uint32_t( number );
+        return fits;
+    } );
+}
+
+ErrorCode Get( const PreferenceID& inID, std::int64_t* outValue, std::int64_t inDefault )
+{
+    return GetNumber( inID, outValue, inDefault,
+        []( const XPlistNumber& inNumber, std::int64_t& ioValue ) { return inNumber.Get( ioValue ); } );
+}
+
+ErrorCode Get( const PreferenceID& inID, float* outValue, float inDefault )
+{
+    return GetNumber( inID, outValue, inDefault, []( const XPlistNumber& inNumber, float& ioValue ) {
+        ioValue = float( inNumber.AsReal() );
+        return true;
+    } );
+}
+
+ErrorCode Get( const PreferenceID& inID, double* outValue, double inDefault )
+{
+    return GetNumber( inID, outValue, inDefault, []( const XPlistNumber& inNumber, double& ioValue ) {
+        ioValue = inNumber.AsReal();
+        return true;
+    } );
+}
+
+bool GetBoolean( const PreferenceID& inID, bool inDefault )
+{
+    bool value = inDefault;
+    (void)Get( inID, &value, inDefault );
+    return value;
+}
+
+CFContainer<XPlistArray> GetArray( const PreferenceID& inID )
+{
+    const auto value = GetPropertyList( inID );
+    return CFContainer<XPlistArray>::Share( value.AsArray() );
+}
+
+CFContainer<XPlistDictionary> GetDictionary( const PreferenceID& inID )
+{
+    const auto value = GetPropertyList( inID );
+    return CFContainer<XPlistDictionary>::Share( value.AsDictionary() );
+}
+
+std::optional<std::set<Text>> GetSet( const PreferenceID& inID )
+{
+    const auto array = GetArray( inID );
+    if ( not array )
+        return std::nullopt;
+    std::set<Text> result;
+    for ( const XPlistNode* node : array->Nodes() )
+    {
+        if ( const auto value = __SafeCFPropertyList( node ); value.AsString() )
+            result.insert( value.AsString()->GetText() );
+    }
+    return result;
+}
+
+bool Set( const PreferenceID& inID, const __SafeCFPropertyList& inValue )
+{
+    return DomainOf( *CurrentState(), inID ).Set( inID.Key(), inValue );
+}
+
+bool Remove( const PreferenceID& inID )
+{
+    return Set( inID, __SafeCFPropertyList() );
+}
+
+bool Set( const PreferenceID& inID, const XText& inText )
+{
+    return Set( inID, __SafeCFPropertyList( inText ) );
+}
+
+bool SetBoolean( const PreferenceID& inID, bool inValue )
+{
+    return Set( inID, __SafeCFPropertyList::Boolean( inValue ) );
+}
+
+bool Set( const PreferenceID& inID, std::int64_t inValue )
+{
+    return Set( inID, __SafeCFPropertyList::Integer( inValue ) );
+}
+
+bool Set( const PreferenceID& inID, double inValue )
+{
+    return Set( inID, __SafeCFPropertyList::Real( inValue ) );
+}
+
+bool Set( const PreferenceID& inID, const std::set<Text>& inSet )
+{
+    XMutableArray array;
+    for ( const Text& text : inSet )
+        array.Append( __SafeCFPropertyList::String( text ) );
+    return Set( inID, __SafeCFPropertyList( array.Seal() ) );
+}
+
+bool WriteUnsaved()
+{
+    const auto state = CurrentState();
+    const std::scoped_lock lock( state->mMutex );
+    bool isDone = true;
+    for ( const auto& [name, domain] : state->mDomains )
+        isDone = domain->WriteUnsaved() and isDone;
+    return isDone;
+}
+
+std::filesystem::path ConfigurationFolder()
+{
+    return ConfigurationFolderOf( *CurrentState() );
+}
+
+std::filesystem::path FolderPath()
+{
+    const auto state = CurrentState();
+    std::call_once( state->mFolderOnce, [&] { state->mFolderPath = FindFolderPath( *state ); } );
+    return state->mFolderPath;
+}
+
+std::filesystem::path FilePath( TextView inName )
+{
+    return FolderPath() / UTF8FromText( inName );
+}
+
+std::filesystem::path FilePath( TextView inFolderName, TextView inName )
+{
+    return MadeFolder( FilePath( inFolderName ) ) / UTF8FromText( inName );
+}
+
+void UseFolder( const std::filesystem::path& inFolder )
+{
+    auto state = std::make_shared<State>();
+    state->mFolder = inFolder.empty() ? GivenFolder() : std::filesystem::absolute( inFolder );
+    const std::scoped_lock lock( gStateMutex );
+    gState = std::move( state );
+}
+
+XText MacUUID()
+{
+    const auto state = CurrentState();
+    std::call_once( state->mMacUUIDOnce,
+        [&] { state->mMacUUID = ReadOrMakeUUID( *state, kMacUUIDID, "Regenerating MacUUID" ); } );
+    return state->mMacUUID;
+}
+
+XText MacRemoteUUID()
+{
+    const auto state = CurrentState();
+    std::call_once( state->mMacRemoteUUIDOnce,
+        [&] { state->mMacRemoteUUID = ReadOrMakeUUID( *state, kMacRemoteUUIDID, "Regenerating MacRemoteUUID" ); } );
+    return state->mMacRemoteUUID;
+}
+
+AutoShow GetAutoShow()
+{
+    if ( GetBoolean( kAutoShowInsertActionByNameID, false ) )
+        return AutoShow::kInsertActionByName;
+    return GetBoolean( kAutoShowActionsID, true ) ? AutoShow::kActions : AutoShow::kNothing;
+}
+
+void SetAutoShow( AutoShow inAutoShow )
+{
+    SetBoolean( kAutoShowInsertActionByNameID, inAutoShow == AutoShow::kInsertActionByName );
+    // Both at once isn't a choice of its own, so the other keeps what it was for.
+    if ( inAutoShow != AutoShow::kInsertActionByName )
+        SetBoolean( kAutoShowActionsID, inAutoShow == AutoShow::kActions );
+}
+} // namespace KVPreferences

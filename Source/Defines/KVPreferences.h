@@ -1,0 +1,114 @@
+// Settings: named values in three preference domains, which the editor and the engine both read
+// and write, so that they are a second channel between the two. Each domain is a property-list
+// file in the configuration folder. Every read first looks at the file, so it sees what another process
+// wrote a moment ago. Defaults aren't in the table: each caller passes its own. Any thread.
+#pragma once
+
+#include "CFMethods/PropertyList.h"
+
+#include <concepts>
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <string_view>
+
+namespace KVPreferences
+{
+/// The domain and key of a setting. Both are constants that live as long as the program.
+class PreferenceID
+{
+public:
+    constexpr PreferenceID( std::string_view inDomain, std::string_view inKey ) : mDomain( inDomain ), mKey( inKey ) {}
+
+    [[nodiscard]] constexpr std::string_view Domain() const { return mDomain; }
+    [[nodiscard]] constexpr const XKey& Key() const { return mKey; }
+
+private:
+    std::string_view mDomain;
+    XKey mKey;
+};
+
+inline constexpr std::string_view kEditorDomain = "com.tessarine.korvalen.editor";
+inline constexpr std::string_view kEngineDomain = "com.tessarine.korvalen.engine";
+inline constexpr std::string_view kLicenceDomain = "com.tessarine.korvalen";
+
+inline constexpr PreferenceID kAssertBeepID{ kEditorDomain, "AssertBeep" };
+inline constexpr PreferenceID kAutoShowActionsID{ kEditorDomain, "AutoShowActions" };
+inline constexpr PreferenceID kAutoShowInsertActionByNameID{ kEditorDomain, "AutoShowInsertActionByName" };
+inline constexpr PreferenceID kDebugID{ kEditorDomain, "Debug" };
+inline constexpr PreferenceID kMacRemoteUUIDID{ kEngineDomain, "MacRemoteUUID" };
+inline constexpr PreferenceID kMacUUIDID{ kEngineDomain, "MacUUID" };
+inline constexpr PreferenceID kPreferenceFolderNameID{ kEditorDomain, "PreferenceFolderName" };
+
+/// The result of a read with a target: kFound, or a negative code, and then the target has the default.
+using ErrorCode = int;
+inline constexpr ErrorCode kFound = 0;
+inline constexpr ErrorCode kNotFound = -1;  ///< missing, of another type, or a number that doesn't fit
+inline constexpr ErrorCode kBadTarget = -2; ///< the target is null, which is an assertion
+
+/// The text, or the default when the setting is missing or of another type.
+[[nodiscard]] XText Get( const PreferenceID& inID, const XText& inDefault );
+void Copy( const PreferenceID& inID, CFContainer<XPlistString>& outText, const XText& inDefault );
+
+ErrorCode Get( const PreferenceID& inID, bool* outValue, bool inDefault );
+/// A value above 32 bits, or below 0, counts as missing.
+ErrorCode Get( const PreferenceID& inID, std::uint32_t* outValue, std::uint32_t inDefault );
+ErrorCode Get( const PreferenceID& inID, std::int64_t* outValue, std::int64_t inDefault );
+ErrorCode Get( const PreferenceID& inID, float* outValue, float inDefault );
+ErrorCode Get( const PreferenceID& inID, double* outValue, double inDefault );
+[[nodiscard]] bool GetBoolean( const PreferenceID& inID, bool inDefault );
+
+/// Null when missing or of another type.
+[[nodiscard]] CFContainer<XPlistArray> GetArray( const PreferenceID& inID );
+[[nodiscard]] CFContainer<XPlistDictionary> GetDictionary( const PreferenceID& inID );
+/// The texts of an array, without anything else that may be in it; absent when missing or no array.
+[[nodiscard]] std::optional<std::set<Text>> GetSet( const PreferenceID& inID );
+/// Any value; null when missing.
+[[nodiscard]] __SafeCFPropertyList GetPropertyList( const PreferenceID& inID );
+/// The same; false, with null, when missing.
+bool Copy( const PreferenceID& inID, __SafeCFPropertyList& outValue );
+
+// Each stores at once. False, after a log line, when the file couldn't be written: then the value holds for this process
+// alone, until a later write takes it along.
+bool Remove( const PreferenceID& inID );
+bool Set( const PreferenceID& inID, const XText& inText ); ///< null removes
+bool SetBoolean( const PreferenceID& inID, bool inValue );
+bool Set( const PreferenceID& inID, std::int64_t inValue );
+bool Set( const PreferenceID& inID, double inValue );
+bool Set( const PreferenceID& inID, const std::set<Text>& inSet ); ///< as an array, sorted by unit
+bool Set( const PreferenceID& inID, const __SafeCFPropertyList& inValue ); ///< array, dictionary or any value
+template<std::integral Integer>
+bool Set( const PreferenceID& inID, Integer inValue )
+{
+    static_assert( not std::same_as<Integer, bool>, "SetBoolean stores a flag" );
+    return Set( inID, std::int64_t( inValue ) );
+}
+
+/// Tries again what couldn't be written. True when nothing is left.
+bool WriteUnsaved();
+
+/// The folder of all data files; made if needed. In the user's data folder, it is named by "PreferenceFolderName",
+/// which is read once; KORVALEN_HOME or UseFolder is the folder itself.
+[[nodiscard]] std::filesystem::path FolderPath();
+/// A path in that folder.
+[[nodiscard]] std::filesystem::path FilePath( TextView inName );
+/// A path in a folder of that folder, which is made if needed.
+[[nodiscard]] std::filesystem::path FilePath( TextView inFolderName, TextView inName );
+/// Where the domains' files are. The same folder where KORVALEN_HOME or UseFolder rules.
+[[nodiscard]] std::filesystem::path ConfigurationFolder();
+
+/// Takes this one folder for data and configuration and forgets all that was read; an empty path goes back to the
+/// environment. Main thread, while no other thread is in here.
+void UseFolder( const std::filesystem::path& inFolder );
+
+/// The identity of this computer, which macros name to be disabled on it; made at first use, kept in the settings, and
+/// cached. A stored one that isn't 8 to 64 ASCII letters, digits and hyphens is replaced.
+[[nodiscard]] XText MacUUID();
+/// The same for use by remote triggers.
+[[nodiscard]] XText MacRemoteUUID();
+
+/// What appears when a user begins to add an action: one setting over two booleans.
+enum class AutoShow : std::uint8_t { kActions = 0, kInsertActionByName = 1, kNothing = 2 };
+[[nodiscard]] AutoShow GetAutoShow();
+void SetAutoShow( AutoShow inAutoShow );
+} // namespace KVPreferences

@@ -1,0 +1,47 @@
+// What the platform can do for us, one small interface for each subject. Code of every folder asks
+// Platform::Current(); where the platform has nothing to say, the absent set answers empty, and
+// nobody has to ask first whether there is one.
+//
+// To add a service: a header of its own with the abstract class and, beside it, a static
+// `Absent()` that gives the one that answers nothing; then here a declaration, an accessor with its
+// setter, and a member with its line in the constructor. A set for a real platform stands in a folder below this
+// one, makes a Platform of its own objects at start-up and substitutes it.
+#pragma once
+
+class XApplications;
+class XSearchIndex;
+
+class Platform
+{
+public:
+    /// The absent set.
+    Platform();
+
+    [[nodiscard]] XApplications& Applications() const { return *mApplications; }
+    [[nodiscard]] XSearchIndex& SearchIndex() const { return *mSearchIndex; }
+
+    // The service must outlive the platform's use.
+    void SetApplications( XApplications& inService ) { mApplications = &inService; }
+    void SetSearchIndex( XSearchIndex& inService ) { mSearchIndex = &inService; }
+
+    /// The platform in use: the absent set unless another was substituted. Any thread.
+    [[nodiscard]] static const Platform& Current();
+
+    /// Puts a platform in use for as long as this object lives. To change one service, copy
+    /// Current() and set that service. Main thread, while nothing else runs.
+    class Substitute
+    {
+    public:
+        explicit Substitute( const Platform& inPlatform );
+        ~Substitute();
+        Substitute( const Substitute& ) = delete;
+        Substitute& operator=( const Substitute& ) = delete;
+
+    private:
+        const Platform* mPrevious;
+    };
+
+private:
+    XApplications* mApplications;
+    XSearchIndex* mSearchIndex;
+};
