@@ -82,8 +82,8 @@ XIcon::XIcon( KVIconRegistry inIcon )
 XIcon::XIcon( TextView inName, KVIconRegistry inOtherwise )
 {
     XIcon icon = InternalIcon( inName );
-    const bool known = icon.Defined() and
-        KVIconRegistryIsKnown( icon.GetInternalName().GetText(), icon.GetInternalSecondPart() );
+    const bool known =
+        icon.Defined() and KVIconRegistryIsKnown( icon.GetInternalName().GetText(), icon.GetInternalSecondPart() );
     *this = known ? std::move( icon ) : XIcon( inOtherwise );
 }
 

@@ -67,8 +67,8 @@ bool KVPreferenceDomain::Set( const XKey& inKey, __SafeCFPropertyList inValue )
     } );
 }
 
-__SafeCFPropertyList KVPreferenceDomain::Change( const XKey& inKey,
-    const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange )
+__SafeCFPropertyList KVPreferenceDomain::Change(
+    const XKey& inKey, const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange )
 {
     return Locked( [&] {
         XOpenFile lockFile;

@@ -36,8 +36,8 @@ public:
     /// Reads and sets under the lock, so that two processes can't both see a missing value and each make one. The function
     /// gives the new value, or the old one to leave it; it runs under a mutex of this domain, so it mustn't
     /// log. The result is the value that stands.
-    __SafeCFPropertyList Change( const XKey& inKey,
-        const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange );
+    __SafeCFPropertyList Change(
+        const XKey& inKey, const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange );
 
     /// Tries again to write what couldn't be written. True when nothing is left.
     bool WriteUnsaved();
@@ -67,9 +67,9 @@ private:
     std::map<std::string, __SafeCFPropertyList, std::less<>> mUnsaved; ///< null to remove
 
     bool mHasRead = false;
-    XFileFacts mFacts;  ///< of the file that was read last, if mOpenFile is open
-    XOpenFile mOpenFile; ///< it, held open: see IsUnchanged
-    XBytes mDamaged;     ///< its bytes, if they can't be understood
-    std::string mFault;  ///< why it can't be read or understood; "" when it can, or isn't there
+    XFileFacts mFacts;              ///< of the file that was read last, if mOpenFile is open
+    XOpenFile mOpenFile;            ///< it, held open: see IsUnchanged
+    XBytes mDamaged;                ///< its bytes, if they can't be understood
+    std::string mFault;             ///< why it can't be read or understood; "" when it can, or isn't there
     std::vector<std::string> mNews; ///< to be logged
 };

@@ -335,8 +335,8 @@ void UseFolder( const std::filesystem::path& inFolder )
 XText MacUUID()
 {
     const auto state = CurrentState();
-    std::call_once( state->mMacUUIDOnce,
-        [&] { state->mMacUUID = ReadOrMakeUUID( *state, kMacUUIDID, "Regenerating MacUUID" ); } );
+    std::call_once(
+        state->mMacUUIDOnce, [&] { state->mMacUUID = ReadOrMakeUUID( *state, kMacUUIDID, "Regenerating MacUUID" ); } );
     return state->mMacUUID;
 }
 

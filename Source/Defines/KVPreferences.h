@@ -75,7 +75,7 @@ bool Set( const PreferenceID& inID, const XText& inText ); ///< null removes
 bool SetBoolean( const PreferenceID& inID, bool inValue );
 bool Set( const PreferenceID& inID, std::int64_t inValue );
 bool Set( const PreferenceID& inID, double inValue );
-bool Set( const PreferenceID& inID, const std::set<Text>& inSet ); ///< as an array, sorted by unit
+bool Set( const PreferenceID& inID, const std::set<Text>& inSet );         ///< as an array, sorted by unit
 bool Set( const PreferenceID& inID, const __SafeCFPropertyList& inValue ); ///< array, dictionary or any value
 template<std::integral Integer>
 bool Set( const PreferenceID& inID, Integer inValue )

@@ -35,7 +35,8 @@ public:
     [[nodiscard]] virtual bool isIndexingAvailable() const = 0;
     /// Takes out everything that this application put in.
     virtual void deleteAllSearchableItems( Completion inCompletion ) = 0;
-    virtual void deleteSearchableItemsWithIdentifiers( std::span<const Text> inIdentifiers, Completion inCompletion ) = 0;
+    virtual void deleteSearchableItemsWithIdentifiers(
+        std::span<const Text> inIdentifiers, Completion inCompletion ) = 0;
     /// Puts items in; one with an identifier that is there already replaces that one.
     virtual void indexSearchableItems( std::vector<XSearchableItem> inItems, Completion inCompletion ) = 0;
 

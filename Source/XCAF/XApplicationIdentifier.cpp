@@ -54,8 +54,8 @@ int CompareValues( const __SafeCFPropertyList& a, const __SafeCFPropertyList& b 
 }
 } // namespace
 
-XApplicationIdentifier::XApplicationIdentifier( XText inName, XText inBundleIdentifier, __SafeCFPropertyList inFile,
-    ApplicationIdentifierMatchType inMatch )
+XApplicationIdentifier::XApplicationIdentifier(
+    XText inName, XText inBundleIdentifier, __SafeCFPropertyList inFile, ApplicationIdentifierMatchType inMatch )
     : mName( std::move( inName ) ),
       mBundleIdentifier( std::move( inBundleIdentifier ) ),
       mFile( std::move( inFile ) ),
@@ -82,8 +82,8 @@ XApplicationIdentifier XApplicationIdentifier::CreateFromPropertyList( const __S
     {
         // The reference may be another computer's or platform's, and mean something there: it goes
         // only for one that means something here.
-        if ( auto found = applications.RefindApplicationAlias(
-                 result.mName.GetText(), result.mBundleIdentifier.GetText() ) )
+        if ( auto found =
+                 applications.RefindApplicationAlias( result.mName.GetText(), result.mBundleIdentifier.GetText() ) )
             result.mFile = std::move( found );
     }
     return result;

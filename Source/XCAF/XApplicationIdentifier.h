@@ -10,8 +10,8 @@
 /// How an application is recognised, stored by name.
 enum class ApplicationIdentifierMatchType : std::uint8_t { kDefault, kPath, kBundleID };
 inline constexpr TextView kApplicationIdentifierMatchTypeNames[] = { u"Default", u"Path", u"BundleID" };
-static_assert( std::size( kApplicationIdentifierMatchTypeNames ) ==
-    std::size_t( ApplicationIdentifierMatchType::kBundleID ) + 1 );
+static_assert(
+    std::size( kApplicationIdentifierMatchTypeNames ) == std::size_t( ApplicationIdentifierMatchType::kBundleID ) + 1 );
 
 class XApplicationIdentifier
 {

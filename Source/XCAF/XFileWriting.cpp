@@ -83,14 +83,14 @@ int XFileCalls::Open( const std::filesystem::path& inPath, OpenFor inPurpose )
 {
     switch ( inPurpose )
     {
-        case OpenFor::kRead:
-            return ::open( inPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY );
-        case OpenFor::kCreateNew:
-            return ::open( inPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateMode );
-        case OpenFor::kLock:
-            return ::open( inPath.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kPrivateMode );
-        case OpenFor::kFolder:
-            break;
+    case OpenFor::kRead:
+        return ::open( inPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY );
+    case OpenFor::kCreateNew:
+        return ::open( inPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateMode );
+    case OpenFor::kLock:
+        return ::open( inPath.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kPrivateMode );
+    case OpenFor::kFolder:
+        break;
     }
     return ::open( inPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC );
 }
@@ -196,8 +196,7 @@ XOpenFile& XOpenFile::operator=( XOpenFile&& inOther ) noexcept
     return *this;
 }
 
-XOpenFile XOpenFile::Open(
-    const std::filesystem::path& inPath, XFileCalls::OpenFor inPurpose, XFileCalls& inCalls )
+XOpenFile XOpenFile::Open( const std::filesystem::path& inPath, XFileCalls::OpenFor inPurpose, XFileCalls& inCalls )
 {
     return { Uninterrupted( [&] { return inCalls.Open( inPath, inPurpose ); } ), inCalls };
 }
@@ -339,8 +338,7 @@ std::optional<XFileError> XAtomicFile::Write(
     return AtomicWrite( inPath, inCalls ).Run( inBytes, inLinks );
 }
 
-XFileContent ReadWholeFile(
-    int inFile, const std::filesystem::path& inPath, std::size_t inLimit, XFileCalls& inCalls )
+XFileContent ReadWholeFile( int inFile, const std::filesystem::path& inPath, std::size_t inLimit, XFileCalls& inCalls )
 {
     XFileContent result;
     if ( Uninterrupted( [&] { return inCalls.GetFacts( inFile, result.mFacts ); } ) < 0 )

@@ -65,8 +65,8 @@ struct XFileError
 {
     std::string mCall; ///< as "open", "write", "sync folder"
     std::filesystem::path mPath;
-    int mCode = 0;         ///< `errno`, or 0 when the reason isn't the system's
-    std::string mReason;   ///< one clause
+    int mCode = 0;                     ///< `errno`, or 0 when the reason isn't the system's
+    std::string mReason;               ///< one clause
     std::filesystem::path mLeftBehind; ///< a temporary file that couldn't be removed, or empty
 
     /// "couldn't write “/a/b”: No space left on device", in UTF-8.
@@ -115,10 +115,7 @@ class XOpenFile
 public:
     XOpenFile() = default;
     XOpenFile( int inFile, XFileCalls& inCalls ) : mFile( inFile ), mCalls( &inCalls ) {}
-    XOpenFile( XOpenFile&& inOther ) noexcept
-        : mFile( std::exchange( inOther.mFile, -1 ) ),
-          mCalls( inOther.mCalls )
-    {}
+    XOpenFile( XOpenFile&& inOther ) noexcept : mFile( std::exchange( inOther.mFile, -1 ) ), mCalls( inOther.mCalls ) {}
     XOpenFile& operator=( XOpenFile&& inOther ) noexcept;
     ~XOpenFile() { (void)Close(); }
 

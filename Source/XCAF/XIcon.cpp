@@ -20,7 +20,15 @@ constexpr TextView kMarker = u"KVEC";
 constexpr TextView kColorPrefix = u"KVCOLOR:";
 
 // The fields of a custom icon.
-enum : std::size_t { kMarkerField, kShapeField, kColorField, kTextField, kNumberField, kStyleField = 7, kTextColorField };
+enum : std::size_t {
+    kMarkerField,
+    kShapeField,
+    kColorField,
+    kTextField,
+    kNumberField,
+    kStyleField = 7,
+    kTextColorField
+};
 
 std::atomic<const XInternalIconNames*> gInternalNames{ nullptr };
 
@@ -149,12 +157,12 @@ XIconFont IconFontWithSize( XIconFontStyle inStyle, double inSize )
 {
     switch ( inStyle )
     {
-        case XIconFontStyle::kEmoji:
-            return { u"Apple Color Emoji", inSize };
-        case XIconFontStyle::kChancery:
-            return { u"Apple Chancery", inSize };
-        case XIconFontStyle::kPlain:
-            break;
+    case XIconFontStyle::kEmoji:
+        return { u"Apple Color Emoji", inSize };
+    case XIconFontStyle::kChancery:
+        return { u"Apple Chancery", inSize };
+    case XIconFontStyle::kPlain:
+        break;
     }
     return { {}, inSize };
 }
@@ -332,23 +340,23 @@ __SafeCFPropertyList XIcon::GetSavedData( OnlySimpleSavedData inOnlySimple ) con
     XAssert( mSaveFormat != XIconSaveFormat::kCantSave );
     switch ( mSaveFormat )
     {
-        case XIconSaveFormat::kCantSave:
-            break;
-        case XIconSaveFormat::kInternal:
-        {
-            Text text = Text( kInternalPrefix ) + mState->mName.GetText();
-            if ( not mState->mSecondPart.IsNull() )
-                text += u'-' + mState->mSecondPart.GetText();
-            return __SafeCFPropertyList::String( text );
-        }
-        case XIconSaveFormat::kKeyboardLayout:
-            return __SafeCFPropertyList::String( Text( kKeyboardPrefix ) + mState->mName.GetText() );
-        case XIconSaveFormat::kCharacter:
-            return __SafeCFPropertyList::String( Join( mState->mFields, u'=' ) );
-        case XIconSaveFormat::kImage:
-            if ( inOnlySimple == OnlySimpleSavedData::kNo )
-                return mState->mImage.mBytes;
-            break;
+    case XIconSaveFormat::kCantSave:
+        break;
+    case XIconSaveFormat::kInternal:
+    {
+        Text text = Text( kInternalPrefix ) + mState->mName.GetText();
+        if ( not mState->mSecondPart.IsNull() )
+            text += u'-' + mState->mSecondPart.GetText();
+        return __SafeCFPropertyList::String( text );
+    }
+    case XIconSaveFormat::kKeyboardLayout:
+        return __SafeCFPropertyList::String( Text( kKeyboardPrefix ) + mState->mName.GetText() );
+    case XIconSaveFormat::kCharacter:
+        return __SafeCFPropertyList::String( Join( mState->mFields, u'=' ) );
+    case XIconSaveFormat::kImage:
+        if ( inOnlySimple == OnlySimpleSavedData::kNo )
+            return mState->mImage.mBytes;
+        break;
     }
     return {};
 }
@@ -365,8 +373,8 @@ XIcon XIcon::FromSavedData( const __SafeCFPropertyList& inSavedData )
         XIcon icon = FromInternalText( TextView( text ).substr( kInternalPrefix.size() ) );
         if ( not icon.GetImage().Defined() and XErrorHandler::MaybeShouldLog( "always" ) )
             XErrorHandler::PrivateLogEnabled( "always",
-                kvr_format( u"XIcon::FromSavedData failed to find internal icon “%@” from “%@”",
-                    icon.GetInternalName(), text ) );
+                kvr_format( u"XIcon::FromSavedData failed to find internal icon “%@” from “%@”", icon.GetInternalName(),
+                    text ) );
         return icon;
     }
     if ( text.starts_with( kKeyboardPrefix ) )
@@ -376,7 +384,9 @@ XIcon XIcon::FromSavedData( const __SafeCFPropertyList& inSavedData )
     if ( text.starts_with( kCharacterPrefix ) )
         return FromSavedCharacterData( text );
 
-    const Text shown = string ? text : inSavedData ? TextFromASCII( NameOf( inSavedData.GetType() ) ) : Text( u"(null)" );
+    const Text shown = string ? text
+        : inSavedData         ? TextFromASCII( NameOf( inSavedData.GetType() ) )
+                              : Text( u"(null)" );
     XErrorHandler::PrivateMaybeLogFormat( "always", "savedData is %@", shown );
     XAssertText( false, "false" );
     return {};

@@ -139,7 +139,8 @@ public:
 
     /// The saved form, a string or data. Null when only texts are wanted and there is none; null too, after the
     /// assertion "mSaveFormat != XIconSaveFormat::kCantSave", for an icon that is undefined or can't be saved.
-    [[nodiscard]] __SafeCFPropertyList GetSavedData( OnlySimpleSavedData inOnlySimple = OnlySimpleSavedData::kNo ) const;
+    [[nodiscard]] __SafeCFPropertyList GetSavedData(
+        OnlySimpleSavedData inOnlySimple = OnlySimpleSavedData::kNo ) const;
     /// The icon of a saved form. A built-in name that isn't known is logged, and gives an icon without an image
     /// that saves back unchanged. What is no saved form is logged and asserted, and gives an undefined icon.
     [[nodiscard]] static XIcon FromSavedData( const __SafeCFPropertyList& inSavedData );
