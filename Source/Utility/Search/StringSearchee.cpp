@@ -32,7 +32,7 @@ void StringSearchee::AddTime( Kind inKind, double inTime, double inAge )
 
 void StringSearchee::AddGlobal()
 {
-    mElements.push_back( { false, Kind::kGlobal } );
+    mElements.push_back( { false, Kind::kGlobal, {} } );
 }
 
 void StringSearchee::AddEnabled( bool inEnabled )

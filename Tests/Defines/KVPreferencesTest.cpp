@@ -1,0 +1,405 @@
+#include "Defines/KVPreferences.h"
+
+#include "CFMethods/PropertyListCodec.h"
+#include "Defines/KVPreferenceDomain.h"
+#include "Tests/XCAF/ScratchFolder.h"
+#include "Utility/Work/Clock.h"
+#include "Utility/Work/Random.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+constexpr KVPreferences::PreferenceID kSomeID{ KVPreferences::kEngineDomain, "Some" };
+
+/// Settings in a folder of their own.
+struct OwnSettings
+{
+    OwnSettings() { KVPreferences::UseFolder( mFolder.Path() ); }
+    ~OwnSettings() { KVPreferences::UseFolder( {} ); }
+
+    ScratchFolder mFolder;
+};
+
+/// An environment variable that has its old value again at the end.
+class Variable
+{
+public:
+    Variable( const char* inName, const std::string& inValue ) : mName( inName )
+    {
+        if ( const char* old = std::getenv( inName ) )
+            mOld = old;
+        if ( inValue.empty() )
+            ::unsetenv( inName );
+        else
+            ::setenv( inName, inValue.c_str(), 1 );
+    }
+    ~Variable() { mOld ? ::setenv( mName, mOld->c_str(), 1 ) : ::unsetenv( mName ); }
+
+private:
+    const char* mName;
+    std::optional<std::string> mOld;
+};
+
+void Put( const fs::path& inPath, std::string_view inText )
+{
+    std::ofstream( inPath, std::ios::binary ) << inText;
+}
+
+std::string Content( const fs::path& inPath )
+{
+    std::ifstream file( inPath, std::ios::binary );
+    return { std::istreambuf_iterator<char>( file ), {} };
+}
+
+__SafeCFPropertyList ValueIn( const fs::path& inPath )
+{
+    const std::string content = Content( inPath );
+    return ReadPropertyList( { reinterpret_cast<const std::uint8_t*>( content.data() ), content.size() } ).mValue;
+}
+
+std::vector<std::string> DamagedCopies( const fs::path& inFolder )
+{
+    std::vector<std::string> names;
+    for ( const auto& entry : fs::directory_iterator( inFolder ) )
+        if ( entry.path().native().find( ".damaged-" ) != std::string::npos )
+            names.push_back( entry.path().filename() );
+    std::sort( names.begin(), names.end() );
+    return names;
+}
+
+__SafeCFPropertyList Integer( std::int64_t inValue )
+{
+    return __SafeCFPropertyList::Integer( inValue );
+}
+
+/// Calls of which every write fails while told so, as on a full disk.
+class FullDisk final : public XFileCalls
+{
+public:
+    std::ptrdiff_t Write( int inFile, std::span<const std::uint8_t> inBytes ) override
+    {
+        errno = ENOSPC;
+        return mIsFull ? -1 : XFileCalls::Write( inFile, inBytes );
+    }
+    bool mIsFull = true;
+};
+} // namespace
+
+TEST( KVPreferences, AValueOfAnotherTypeGivesTheDefaultAndStays )
+{
+    const OwnSettings settings;
+    const __SafeCFPropertyList kValues[] = { Integer( 7 ), __SafeCFPropertyList::Boolean( true ),
+        __SafeCFPropertyList::String( u"text" ), __SafeCFPropertyList( XMutableArray().Seal() ),
+        __SafeCFPropertyList( XMutableDictionary().Seal() ) };
+    for ( const auto& value : kValues )
+    {
+        ASSERT_TRUE( KVPreferences::Set( kSomeID, value ) );
+        EXPECT_EQ( KVPreferences::Get( kSomeID, u"default" ) == TextView( u"text" ), value.AsString() != nullptr );
+        bool flag = true;
+        EXPECT_EQ( KVPreferences::Get( kSomeID, &flag, false ) == KVPreferences::kFound, value.AsBoolean() != nullptr );
+        EXPECT_EQ( flag, value.AsBoolean() != nullptr );
+        std::int64_t number = 0;
+        EXPECT_EQ( KVPreferences::Get( kSomeID, &number, std::int64_t( -5 ) ), value.AsNumber() ? 0 : -1 );
+        EXPECT_EQ( number, value.AsNumber() ? 7 : -5 );
+        double real = 0;
+        EXPECT_EQ( KVPreferences::Get( kSomeID, &real, 0.5 ), value.AsNumber() ? 0 : -1 );
+        EXPECT_EQ( real, value.AsNumber() ? 7 : 0.5 );
+        EXPECT_EQ( bool( KVPreferences::GetArray( kSomeID ) ), value.AsArray() != nullptr );
+        EXPECT_EQ( KVPreferences::GetSet( kSomeID ).has_value(), value.AsArray() != nullptr );
+        EXPECT_EQ( bool( KVPreferences::GetDictionary( kSomeID ) ), value.AsDictionary() != nullptr );
+        EXPECT_EQ( KVPreferences::GetPropertyList( kSomeID ), value );
+    }
+    ASSERT_TRUE( KVPreferences::Remove( kSomeID ) );
+    EXPECT_FALSE( KVPreferences::GetPropertyList( kSomeID ) );
+    EXPECT_EQ( KVPreferences::Get( kSomeID, u"default" ), TextView( u"default" ) );
+    EXPECT_LT( KVPreferences::Get( kSomeID, static_cast<bool*>( nullptr ), true ), 0 ); // asserts
+}
+
+TEST( KVPreferences, AnUnsignedValueThatDoesNotFitCountsAsMissing )
+{
+    const OwnSettings settings;
+    const struct
+    {
+        std::int64_t mStored;
+        std::uint32_t mRead;
+    } kCases[] = { { 0, 0 }, { 4294967295, 4294967295u }, { 4294967296, 99 }, { -1, 99 }, { INT64_MAX, 99 } };
+    for ( const auto& [stored, read] : kCases )
+    {
+        ASSERT_TRUE( KVPreferences::Set( kSomeID, stored ) );
+        std::uint32_t value = 0;
+        (void)KVPreferences::Get( kSomeID, &value, 99u );
+        EXPECT_EQ( value, read ) << stored;
+    }
+    ASSERT_TRUE( KVPreferences::Set( kSomeID, 2.5 ) );
+    std::uint32_t value = 0;
+    EXPECT_LT( KVPreferences::Get( kSomeID, &value, 99u ), 0 );
+    float real = 0;
+    EXPECT_EQ( KVPreferences::Get( kSomeID, &real, 0.f ), 0 );
+    EXPECT_EQ( real, 2.5f );
+}
+
+TEST( KVPreferences, ASetIsStoredAsAnArrayOfItsTexts )
+{
+    const OwnSettings settings;
+    const std::set<Text> texts{ u"b", u"a", u"" };
+    ASSERT_TRUE( KVPreferences::Set( kSomeID, texts ) );
+    EXPECT_EQ( KVPreferences::GetArray( kSomeID )->GetCount(), 3u );
+    EXPECT_EQ( KVPreferences::GetSet( kSomeID ), texts );
+}
+
+TEST( KVPreferences, EachDomainIsAPrivateFileThatOthersCanRead )
+{
+    const OwnSettings settings;
+    constexpr KVPreferences::PreferenceID kEditor{ KVPreferences::kEditorDomain, "Key" };
+    constexpr KVPreferences::PreferenceID kEngine{ KVPreferences::kEngineDomain, "Key" };
+    ASSERT_TRUE( KVPreferences::Set( kEditor, u"editor" ) );
+    ASSERT_TRUE( KVPreferences::Set( kEngine, u"engine" ) );
+    for ( const char* name : { "editor", "engine" } )
+    {
+        const fs::path file = settings.mFolder.Path() / ( std::string( "com.tessarine.korvalen." ) + name + ".plist" );
+        const auto value = ValueIn( file );
+        ASSERT_TRUE( value.AsDictionary() ) << file;
+        EXPECT_EQ( __SafeCFPropertyList( value.AsDictionary()->Find( CFSTR( "Key" ) ) ),
+            __SafeCFPropertyList::String( TextFromASCII( name ) ) );
+        struct stat status = {};
+        ASSERT_EQ( ::stat( file.c_str(), &status ), 0 );
+        EXPECT_EQ( status.st_mode & 0777, 0600u );
+        EXPECT_EQ( Content( file ).substr( 0, 6 ), "bplist" );
+    }
+}
+
+TEST( KVPreferences, TheFoldersFollowTheEnvironmentAndNeverLeaveIt )
+{
+    const ScratchFolder folder;
+    const Variable home( "HOME", ( folder / "home" ).native() ), own( "KORVALEN_HOME", "" ),
+        data( "XDG_DATA_HOME", "" ), config( "XDG_CONFIG_HOME", "relative/is/ignored" );
+    KVPreferences::UseFolder( {} );
+    EXPECT_EQ( KVPreferences::FolderPath(), folder / "home/.local/share/Korvalen" );
+    EXPECT_EQ( KVPreferences::ConfigurationFolder(), folder / "home/.config/Korvalen" );
+    EXPECT_TRUE( fs::is_directory( folder / "home/.local/share/Korvalen" ) );
+    EXPECT_EQ( KVPreferences::FilePath( u"a" ), folder / "home/.local/share/Korvalen/a" );
+    EXPECT_EQ( KVPreferences::FilePath( u"sub", u"a" ), folder / "home/.local/share/Korvalen/sub/a" );
+    EXPECT_TRUE( fs::is_directory( folder / "home/.local/share/Korvalen/sub" ) );
+
+    const Variable otherData( "XDG_DATA_HOME", ( folder / "data" ).native() );
+    const struct
+    {
+        TextView mSetting;
+        const char* mFolder;
+    } kCases[] = { { u"Other", "Other" }, { u"..", "Korvalen" }, { u"a/b", "Korvalen" }, { u"", "Korvalen" } };
+    for ( const auto& [setting, name] : kCases )
+    {
+        ASSERT_TRUE( KVPreferences::Set( KVPreferences::kPreferenceFolderNameID, XText( setting ) ) );
+        KVPreferences::UseFolder( {} );
+        EXPECT_EQ( KVPreferences::FolderPath(), folder.Path() / "data" / name ) << UTF8FromText( setting );
+    }
+    {
+        const Variable given( "KORVALEN_HOME", ( folder / "given" ).native() );
+        KVPreferences::UseFolder( {} );
+        EXPECT_EQ( KVPreferences::FolderPath(), folder / "given" );
+        EXPECT_EQ( KVPreferences::ConfigurationFolder(), folder / "given" );
+        KVPreferences::UseFolder( folder / "explicit" );
+        EXPECT_EQ( KVPreferences::FolderPath(), folder / "explicit" );
+    }
+    KVPreferences::UseFolder( {} );
+}
+
+TEST( KVPreferences, AnIdentityIsMadeOnceAndReplacedOnlyWhenBad )
+{
+    XSeededRandom random( 3 );
+    const XRandom::Substitute substitute( random );
+    const OwnSettings settings;
+    const XText made = KVPreferences::MacUUID();
+    EXPECT_EQ( made.GetLength(), 36u );
+    EXPECT_EQ( KVPreferences::Get( KVPreferences::kMacUUIDID, u"" ), made );
+    EXPECT_FALSE( KVPreferences::MacRemoteUUID() == made );
+    const struct
+    {
+        Text mStored;
+        bool mStays;
+    } kCases[] = {
+        { u"1234567", false },
+        { u"12345678", true },
+        { Text( 64, u'a' ), true },
+        { Text( 65, u'a' ), false },
+        { u"-------------Z", true },
+        { u"1234567_", false },
+        { u"1234567\n", false },
+        { u"1234567\u00E9", false },
+        { u"", false },
+    };
+    for ( const auto& [stored, stays] : kCases )
+    {
+        ASSERT_TRUE( KVPreferences::Set( KVPreferences::kMacUUIDID, XText( stored ) ) );
+        KVPreferences::UseFolder( settings.mFolder.Path() ); // as after a new start
+        const XText now = KVPreferences::MacUUID();
+        EXPECT_EQ( now == TextView( stored ), stays ) << UTF8FromText( stored );
+        EXPECT_EQ( KVPreferences::Get( KVPreferences::kMacUUIDID, u"" ), now );
+        // Cached: what is stored later counts at the next start.
+        ASSERT_TRUE( KVPreferences::Set( KVPreferences::kMacUUIDID, u"another-identity" ) );
+        EXPECT_EQ( KVPreferences::MacUUID(), now );
+    }
+}
+
+TEST( KVPreferences, AutoShowIsOneSettingOverTwo )
+{
+    const OwnSettings settings;
+    using enum KVPreferences::AutoShow;
+    EXPECT_EQ( KVPreferences::GetAutoShow(), kActions );
+    for ( const auto value : { kNothing, kInsertActionByName, kActions, kInsertActionByName, kNothing } )
+    {
+        KVPreferences::SetAutoShow( value );
+        EXPECT_EQ( KVPreferences::GetAutoShow(), value );
+    }
+    KVPreferences::SetBoolean( KVPreferences::kAutoShowActionsID, true );
+    KVPreferences::SetBoolean( KVPreferences::kAutoShowInsertActionByNameID, true );
+    EXPECT_EQ( KVPreferences::GetAutoShow(), kInsertActionByName );
+}
+
+TEST( KVPreferenceDomain, EachReadSeesWhatAnotherWroteLast )
+{
+    const ScratchFolder folder;
+    KVPreferenceDomain ours( folder / "d.plist" ), theirs( folder / "d.plist" );
+    EXPECT_FALSE( ours.Get( CFSTR( "Key" ) ) );
+    // Many in a row, of one length, within a tick of the file system's clock.
+    for ( int i = 100; i < 300; ++i )
+    {
+        ASSERT_TRUE( theirs.Set( CFSTR( "Key" ), Integer( i ) ) );
+        if ( i % 2 )
+            ASSERT_EQ( ours.Get( CFSTR( "Key" ) ), Integer( i ) );
+    }
+    fs::remove( folder / "d.plist" );
+    EXPECT_FALSE( ours.Get( CFSTR( "Key" ) ) );
+}
+
+TEST( KVPreferenceDomain, TwoProcessesAndTwoThreadsLoseNothing )
+{
+    const ScratchFolder folder;
+    constexpr int kCount = 60;
+    const auto setMany = [&]( KVPreferenceDomain& ioDomain, const std::string& inPrefix ) {
+        bool isDone = true;
+        for ( int i = 0; i < kCount; ++i )
+            isDone = ioDomain.Set( XKey( inPrefix + std::to_string( i ) ), Integer( i ) ) and isDone;
+        return isDone;
+    };
+    const pid_t other = ::fork();
+    if ( other == 0 )
+    {
+        KVPreferenceDomain domain( folder / "d.plist" );
+        ::_exit( setMany( domain, "other" ) ? 0 : 1 );
+    }
+    KVPreferenceDomain domain( folder / "d.plist" );
+    {
+        std::jthread thread( [&] { EXPECT_TRUE( setMany( domain, "second" ) ); } );
+        EXPECT_TRUE( setMany( domain, "first" ) );
+    }
+    int status = -1;
+    ASSERT_EQ( ::waitpid( other, &status, 0 ), other );
+    EXPECT_EQ( status, 0 );
+    for ( const char* prefix : { "other", "first", "second" } )
+        for ( int i = 0; i < kCount; ++i )
+            EXPECT_EQ( domain.Get( XKey( prefix + std::to_string( i ) ) ), Integer( i ) ) << prefix << i;
+}
+
+TEST( KVPreferenceDomain, ADamagedFileReadsAsEmptyAndIsCopiedBeforeTheFirstWrite )
+{
+    XManualClock clock( 731030400.5 ); // 2024-03-02 00:00:00 UTC
+    const XClock::Substitute substitute( clock );
+    const ScratchFolder folder;
+    const fs::path file = folder / "d.plist";
+    const std::string kDamaged[] = { "bplist00 is not all", std::string( 3, '\0' ), "" };
+    std::size_t copies = 0;
+    for ( const std::string& damaged : kDamaged )
+    {
+        Put( file, damaged );
+        KVPreferenceDomain domain( file );
+        EXPECT_FALSE( domain.Get( CFSTR( "Key" ) ) );
+        EXPECT_TRUE( domain.Set( CFSTR( "Key" ), nullptr ) ); // nothing to remove, so nothing to write
+        EXPECT_EQ( Content( file ), damaged );
+        EXPECT_EQ( DamagedCopies( folder.Path() ).size(), copies );
+
+        EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 1 ) ) );
+        EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 2 ) ) );
+        EXPECT_EQ( domain.Get( CFSTR( "Key" ) ), Integer( 2 ) );
+        const auto names = DamagedCopies( folder.Path() );
+        ASSERT_EQ( names.size(), ++copies );
+        EXPECT_TRUE( names.back().starts_with( "d.plist.damaged-20240302T000000Z" ) ) << names.back();
+        EXPECT_EQ( Content( folder.Path() / names.back() ), damaged );
+    }
+}
+
+TEST( KVPreferenceDomain, ARootThatIsNoDictionaryCountsAsDamage )
+{
+    const ScratchFolder folder;
+    const XBytes bytes = WriteBinaryPropertyList( Integer( 1 ) );
+    Put( folder / "d.plist", bytes.View() );
+    KVPreferenceDomain domain( folder / "d.plist" );
+    EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 1 ) ) );
+    const auto names = DamagedCopies( folder.Path() );
+    ASSERT_EQ( names.size(), 1u );
+    EXPECT_EQ( Content( folder.Path() / names.front() ), bytes.View() );
+}
+
+TEST( KVPreferenceDomain, WhatCannotBeReadIsNeitherWaitedForNorReplaced )
+{
+    const ScratchFolder folder;
+    ASSERT_EQ( ::mkfifo( ( folder / "pipe.plist" ).c_str(), 0600 ), 0 );
+    fs::create_directory( folder / "folder.plist" );
+    for ( const char* name : { "pipe.plist", "folder.plist" } )
+    {
+        KVPreferenceDomain domain( folder / name );
+        EXPECT_FALSE( domain.Get( CFSTR( "Key" ) ) );
+        EXPECT_FALSE( domain.Set( CFSTR( "Key" ), Integer( 1 ) ) );
+        EXPECT_EQ( domain.Get( CFSTR( "Key" ) ), Integer( 1 ) );
+        EXPECT_FALSE( fs::is_regular_file( folder / name ) );
+    }
+}
+
+TEST( KVPreferenceDomain, AValueThatCouldNotBeWrittenHoldsAndGoesWithTheNextWrite )
+{
+    const ScratchFolder folder;
+    const fs::path file = folder / "d.plist";
+    KVPreferenceDomain others( file );
+    ASSERT_TRUE( others.Set( CFSTR( "Old" ), Integer( 1 ) ) );
+    const std::string before = Content( file );
+    FullDisk disk;
+    KVPreferenceDomain domain( file, disk );
+    EXPECT_FALSE( domain.Set( CFSTR( "New" ), Integer( 2 ) ) );
+    EXPECT_FALSE( domain.Set( CFSTR( "Old" ), nullptr ) );
+    EXPECT_FALSE( domain.WriteUnsaved() );
+    EXPECT_EQ( domain.Get( CFSTR( "New" ) ), Integer( 2 ) );
+    EXPECT_FALSE( domain.Get( CFSTR( "Old" ) ) );
+    EXPECT_EQ( Content( file ), before );
+
+    disk.mIsFull = false;
+    EXPECT_TRUE( domain.Set( CFSTR( "Third" ), Integer( 3 ) ) );
+    EXPECT_TRUE( domain.WriteUnsaved() );
+    EXPECT_EQ( others.Get( CFSTR( "New" ) ), Integer( 2 ) );
+    EXPECT_EQ( others.Get( CFSTR( "Third" ) ), Integer( 3 ) );
+    EXPECT_FALSE( others.Get( CFSTR( "Old" ) ) );
+}
+
+TEST( KVPreferenceDomain, PlantedLinksAreNotFollowedForWriting )
+{
+    const ScratchFolder folder;
+    const fs::path victim = folder / "victim";
+    Put( victim, "bplist00 precious" );
+    fs::create_symlink( victim, folder / "d.plist" );
+    KVPreferenceDomain domain( folder / "d.plist" );
+    EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 1 ) ) );
+    EXPECT_EQ( Content( victim ), "bplist00 precious" );
+    EXPECT_FALSE( fs::is_symlink( folder / "d.plist" ) );
+
+    fs::create_symlink( victim, folder / "locked.plist.lock" );
+    KVPreferenceDomain locked( folder / "locked.plist" );
+    EXPECT_FALSE( locked.Set( CFSTR( "Key" ), Integer( 1 ) ) );
+    EXPECT_FALSE( fs::exists( folder / "locked.plist" ) );
+}
