@@ -3,11 +3,24 @@
 #include <algorithm>
 #include <cstring>
 #include <fmt/format.h>
+#include <new>
 
 XBytes::XBytes( std::string_view inBytes ) : XBytes( inBytes.size() )
 {
     if ( not inBytes.empty() )
         std::memcpy( mBytes.get(), inBytes.data(), inBytes.size() );
+}
+
+void XBytes::Resize( std::size_t inSize )
+{
+    // Zero bytes have no block: what realloc gives for them differs from library to library.
+    auto* const moved = inSize ? static_cast<std::uint8_t*>( std::realloc( mBytes.get(), inSize ) ) : nullptr;
+    if ( inSize and not moved )
+        throw std::bad_alloc();
+    if ( inSize )
+        static_cast<void>( mBytes.release() );
+    mBytes.reset( moved );
+    mSize = inSize;
 }
 
 std::string XPlistFault::Describe() const

@@ -7,6 +7,7 @@
 
 #include "CFMethods/PropertyList.h"
 
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <span>
@@ -18,10 +19,7 @@ class XBytes
 {
 public:
     XBytes() = default;
-    explicit XBytes( std::size_t inSize )
-        : mBytes( inSize ? std::make_unique_for_overwrite<std::uint8_t[]>( inSize ) : nullptr ),
-          mSize( inSize )
-    {}
+    explicit XBytes( std::size_t inSize ) { Resize( inSize ); }
     explicit XBytes( std::string_view inBytes );
 
     [[nodiscard]] std::uint8_t* data() { return mBytes.get(); }
@@ -31,9 +29,16 @@ public:
     [[nodiscard]] std::string_view View() const { return { reinterpret_cast<const char*>( mBytes.get() ), mSize }; }
     /// Gives up what lies behind the new size, which must not be larger.
     void Shrink( std::size_t inSize ) { mSize = inSize; }
+    /// Grows, where the new bytes aren't set to anything, or shrinks and gives the memory back. Large blocks
+    /// are moved by the page tables, not copied.
+    void Resize( std::size_t inSize );
 
 private:
-    std::unique_ptr<std::uint8_t[]> mBytes;
+    struct Free
+    {
+        void operator()( std::uint8_t* inBytes ) const { std::free( inBytes ); }
+    };
+    std::unique_ptr<std::uint8_t, Free> mBytes;
     std::size_t mSize = 0;
 };
 

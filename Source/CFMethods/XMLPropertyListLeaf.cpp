@@ -2,11 +2,13 @@
 
 #include "CFMethods/PropertyListMaker.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <fmt/format.h>
 #include <limits>
+#include <memory>
 
 namespace
 {

@@ -15,7 +15,11 @@
 #include <expat.h>
 #include <fmt/format.h>
 #include <limits>
+#include <memory>
 #include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {

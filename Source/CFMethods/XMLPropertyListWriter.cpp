@@ -1,6 +1,6 @@
 // Writing the XML form: laid out as Python's plistlib does it, so that files of either compare line by
-// line. One walk serves twice: first it measures, and finds what XML can't hold before a byte is
-// written; then it fills a buffer of exactly that size, with no further checks.
+// line. The bytes gather in memory, and are given out only when the whole value has turned out to have an
+// XML form.
 //
 // Characters that XML forbids (control characters but tab and LF, U+FFFE, U+FFFF) are written as
 // references. The lenient readers take them raw or as references, and the strict ones neither; but
@@ -15,6 +15,8 @@
 #include <cmath>
 #include <cstring>
 #include <fmt/format.h>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -86,71 +88,80 @@ char* PutReference( char* outText, char16_t inUnit )
     return outText;
 }
 
-// Surrogates come in pairs here.
-char* PutUTF8( char* outText, TextView inText, std::size_t& ioAt )
+// The unit, or the pair that begins with it; surrogates come in pairs here.
+inline char* PutUnit( char* outText, TextView inText, std::size_t& ioAt )
 {
     char32_t scalar = inText[ioAt++];
+    if ( NeedsReference( char16_t( scalar ) ) )
+        return PutReference( outText, char16_t( scalar ) );
     if ( scalar < 0x80 )
     {
         *outText++ = char( scalar );
         return outText;
     }
     if ( scalar < 0x800 )
-    {
         *outText++ = char( 0xC0 | scalar >> 6 );
-        *outText++ = char( 0x80 | ( scalar & 0x3F ) );
-        return outText;
-    }
-    if ( IsHighSurrogate( char16_t( scalar ) ) )
-    {
-        scalar = 0x10000 + ( ( scalar - 0xD800 ) << 10 ) + ( inText[ioAt++] - 0xDC00u );
-        *outText++ = char( 0xF0 | scalar >> 18 );
-        *outText++ = char( 0x80 | ( scalar >> 12 & 0x3F ) );
-    }
     else
-        *outText++ = char( 0xE0 | scalar >> 12 );
-    *outText++ = char( 0x80 | ( scalar >> 6 & 0x3F ) );
+    {
+        if ( IsHighSurrogate( char16_t( scalar ) ) )
+        {
+            scalar = 0x10000 + ( ( scalar - 0xD800 ) << 10 ) + ( inText[ioAt++] - 0xDC00u );
+            *outText++ = char( 0xF0 | scalar >> 18 );
+            *outText++ = char( 0x80 | ( scalar >> 12 & 0x3F ) );
+        }
+        else
+            *outText++ = char( 0xE0 | scalar >> 12 );
+        *outText++ = char( 0x80 | ( scalar >> 6 & 0x3F ) );
+    }
     *outText++ = char( 0x80 | ( scalar & 0x3F ) );
     return outText;
 }
 
-// The two ends that the walk writes to.
-class Measure
+// The bytes so far, in a block that doubles when it is full.
+class Output
 {
 public:
-    static constexpr bool kChecks = true;
-    void Put( std::string_view inText ) { mSize += inText.size(); }
-    void PutTabs( std::size_t inCount ) { mSize += inCount; }
-    void PutBase64( std::span<const std::uint8_t> inBytes ) { mSize += ( inBytes.size() + 2 ) / 3 * 4; }
-    [[nodiscard]] std::size_t GetSize() const { return mSize; }
-
-private:
-    std::size_t mSize = 0;
-};
-
-class Fill
-{
-public:
-    static constexpr bool kChecks = false;
-    explicit Fill( std::uint8_t* outBytes ) : mAt( reinterpret_cast<char*>( outBytes ) ) {}
     void Put( std::string_view inText )
     {
-        std::memcpy( mAt, inText.data(), inText.size() );
-        mAt += inText.size();
+        char* const at = Reserve( inText.size() );
+        std::memcpy( at, inText.data(), inText.size() );
+        mAt = at + inText.size();
     }
     void PutTabs( std::size_t inCount )
     {
-        std::memset( mAt, '\t', inCount );
-        mAt += inCount;
+        char* const at = Reserve( inCount );
+        std::memset( at, '\t', inCount );
+        mAt = at + inCount;
     }
-    void PutBase64( std::span<const std::uint8_t> inBytes )
+    /// Room for so many bytes; Advance says how many it took.
+    char* Reserve( std::size_t inCount )
     {
-        for ( std::size_t at = 0; at < inBytes.size(); at += 3, mAt += 4 )
-            XMLPlistLeaf::EncodeTriple( mAt, inBytes.data() + at, std::min<std::size_t>( inBytes.size() - at, 3 ) );
+        if ( std::size_t( mEnd - mAt ) < inCount ) [[unlikely]]
+            Grow( inCount );
+        return mAt;
+    }
+    void Advance( const char* inEnd ) { mAt += inEnd - mAt; }
+
+    [[nodiscard]] XBytes Take()
+    {
+        mBytes.Resize( Size() );
+        return std::move( mBytes );
     }
 
 private:
-    char* mAt;
+    [[nodiscard]] std::size_t Size() const { return mAt ? std::size_t( mAt - Start() ) : 0; }
+    [[nodiscard]] char* Start() const { return reinterpret_cast<char*>( const_cast<std::uint8_t*>( mBytes.data() ) ); }
+    void Grow( std::size_t inCount )
+    {
+        const std::size_t size = Size();
+        mBytes.Resize( 2 * size + inCount + 4096 );
+        mAt = Start() + size;
+        mEnd = Start() + mBytes.size();
+    }
+
+    XBytes mBytes;
+    char* mAt = nullptr;
+    char* mEnd = nullptr;
 };
 
 // A container that is being written, and how far.
@@ -189,19 +200,17 @@ struct Unwritable
     std::string mFault;
 };
 
-template<class Output>
 class Writer
 {
 public:
-    explicit Writer( Output& outOutput ) : mOutput( outOutput ) {}
-
-    void Write( const XPlistNode* inRoot )
+    [[nodiscard]] XBytes Write( const XPlistNode* inRoot )
     {
         mOutput.Put( kHeader );
         WriteValue( inRoot );
         while ( not mFrames.empty() )
             GoOn( mFrames.back() );
         mOutput.Put( kFooter );
+        return mOutput.Take();
     }
 
 private:
@@ -289,15 +298,11 @@ private:
 
     void WriteDate( double inSeconds )
     {
-        if constexpr ( Output::kChecks )
-        {
-            if ( not std::isfinite( inSeconds ) )
-                throw Unwritable{ PathOf( mFrames ) + " is a date that isn't finite, which XML can't hold" };
-            if ( std::abs( inSeconds ) > XMLPlistLeaf::kMostDateSeconds )
-                throw Unwritable{ PathOf( mFrames ) +
-                    " is a date more than 30,000 million years off, which has no "
-                    "XML form" };
-        }
+        if ( not std::isfinite( inSeconds ) )
+            throw Unwritable{ PathOf( mFrames ) + " is a date that isn't finite, which XML can't hold" };
+        if ( std::abs( inSeconds ) > XMLPlistLeaf::kMostDateSeconds )
+            throw Unwritable{ PathOf( mFrames ) +
+                " is a date more than 30,000 million years off, which has no XML form" };
         char text[XMLPlistLeaf::kMostDateLength];
         const char* const end = XMLPlistLeaf::FormatDate( text, inSeconds );
         mOutput.Put( "<date>" );
@@ -315,7 +320,10 @@ private:
         {
             const auto line = inBytes.first( std::min( inBytes.size(), bytesInLine ) );
             mOutput.PutTabs( tabs );
-            mOutput.PutBase64( line );
+            char* text = mOutput.Reserve( ( line.size() + 2 ) / 3 * 4 );
+            for ( std::size_t at = 0; at < line.size(); at += 3, text += 4 )
+                XMLPlistLeaf::EncodeTriple( text, line.data() + at, std::min<std::size_t>( line.size() - at, 3 ) );
+            mOutput.Advance( text );
             mOutput.Put( "\n" );
             inBytes = inBytes.subspan( line.size() );
         }
@@ -339,39 +347,29 @@ private:
             mOutput.Put( inText.substr( at, end - at ) );
             if ( end == inText.size() )
                 break;
-            char reference[kMostReferenceLength];
-            const char* const stop = PutReference( reference, static_cast<unsigned char>( inText[end] ) );
-            mOutput.Put( { reference, std::size_t( stop - reference ) } );
+            mOutput.Advance(
+                PutReference( mOutput.Reserve( kMostReferenceLength ), static_cast<unsigned char>( inText[end] ) ) );
             at = end + 1;
         }
     }
 
     void WriteWide( TextView inText )
     {
-        if constexpr ( Output::kChecks )
-        {
-            if ( const auto lone = FindLoneSurrogate( inText ) )
-                throw Unwritable{ fmt::format( "{} holds the lone surrogate U+{:04X}, which XML can't hold",
-                    PathOf( mFrames ), unsigned( inText[*lone] ) ) };
-        }
-        std::array<char, 512> piece;
-        char* end = piece.data();
+        if ( const auto lone = FindLoneSurrogate( inText ) )
+            throw Unwritable{ fmt::format( "{} holds the lone surrogate U+{:04X}, which XML can't hold",
+                PathOf( mFrames ), unsigned( inText[*lone] ) ) };
+        constexpr std::size_t kPiece = 1024;
         for ( std::size_t at = 0; at < inText.size(); )
         {
-            if ( std::size_t( piece.data() + piece.size() - end ) < kMostReferenceLength )
-            {
-                mOutput.Put( { piece.data(), std::size_t( end - piece.data() ) } );
-                end = piece.data();
-            }
-            if ( NeedsReference( inText[at] ) )
-                end = PutReference( end, inText[at++] );
-            else
-                end = PutUTF8( end, inText, at );
+            const std::size_t end = std::min( inText.size(), at + kPiece );
+            char* text = mOutput.Reserve( ( kPiece + 1 ) * kMostReferenceLength );
+            while ( at < end )
+                text = PutUnit( text, inText, at );
+            mOutput.Advance( text );
         }
-        mOutput.Put( { piece.data(), std::size_t( end - piece.data() ) } );
     }
 
-    Output& mOutput;
+    Output mOutput;
     std::vector<Frame> mFrames;
 };
 } // namespace
@@ -386,11 +384,7 @@ XPlistWriteResult WriteXMLPropertyList( const __SafeCFPropertyList& inValue )
     }
     try
     {
-        Measure measure;
-        Writer( measure ).Write( inValue.GetNode() );
-        result.mBytes = XBytes( measure.GetSize() );
-        Fill fill( result.mBytes.data() );
-        Writer( fill ).Write( inValue.GetNode() );
+        result.mBytes = Writer().Write( inValue.GetNode() );
     }
     catch ( Unwritable& unwritable )
     {
