@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <bit>
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -385,9 +386,12 @@ public:
             return true;
         return mString and inOther.mString and mString->Equals( *inOther.mString );
     }
-    [[nodiscard]] bool Equals( TextView inText ) const { return mString and mString->Equals( inText ); }
+    template<std::convertible_to<TextView> Other>
+    [[nodiscard]] bool Equals( const Other& inText ) const
+    {
+        return mString and mString->Equals( TextView( inText ) );
+    }
     friend bool operator==( const XText& a, const XText& b ) { return a.Equals( b ); }
-    friend bool operator==( const XText& a, TextView b ) { return a.Equals( b ); }
 
 private:
     CFContainer<XPlistString> mString;
@@ -518,7 +522,11 @@ public:
     }
     void SetReal( const XKey& inKey, double inValue ) { Set( inKey, __SafeCFPropertyList::Real( inValue ) ); }
     void SetText( const XKey& inKey, const XText& inValue ) { Set( inKey, __SafeCFPropertyList( inValue ) ); }
-    void SetText( const XKey& inKey, TextView inValue ) { Set( inKey, __SafeCFPropertyList::String( inValue ) ); }
+    template<std::convertible_to<TextView> Value>
+    void SetText( const XKey& inKey, const Value& inValue )
+    {
+        Set( inKey, __SafeCFPropertyList::String( inValue ) );
+    }
     /// Sets every entry of a dictionary.
     void SetAll( const XPlistDictionary& inSource );
 

@@ -1,0 +1,36 @@
+// An allow-list of macros and groups, held by actions that offer macros to choose from. Main thread.
+#pragma once
+
+#include "CFMethods/PropertyList.h"
+
+#include <string_view>
+#include <vector>
+
+class StringSearchee;
+
+enum class MacrosAllowedType { kNormal, kIncludeInactive, kIncludeDisabled };
+
+inline constexpr std::string_view kMacrosAllowedTypeNames[] = { "Normal", "IncludeInactive", "IncludeDisabled" };
+static_assert( std::size( kMacrosAllowedTypeNames ) == std::size_t( MacrosAllowedType::kIncludeDisabled ) + 1 );
+
+class MacrosAllowed
+{
+public:
+    [[nodiscard]] MacrosAllowedType GetType() const { return mType; }
+    void SetType( MacrosAllowedType inType ) { mType = inType; }
+    [[nodiscard]] const std::vector<XText>& GetUIDs() const { return mUIDs; }
+    void SetUIDs( std::vector<XText> inUIDs ) { mUIDs = std::move( inUIDs ); }
+
+    /// A missing array is the empty one; elements that are no strings are left out.
+    void LoadFromDictionary( const XPlistDictionary& inDictionary, const XKey& inTypeKey, const XKey& inUIDsKey );
+    /// The type unless Normal; the array unless empty, each UID once, first occurrences in order.
+    void SaveToDictionary( XMutableDictionary& ioDictionary, const XKey& inTypeKey, const XKey& inUIDsKey ) const;
+    /// Each UID, and the name of the object where there is one.
+    void AddMatchStrings( StringSearchee& ioSearchee ) const;
+
+    friend bool operator==( const MacrosAllowed&, const MacrosAllowed& ) = default;
+
+private:
+    MacrosAllowedType mType = MacrosAllowedType::kNormal;
+    std::vector<XText> mUIDs;
+};
