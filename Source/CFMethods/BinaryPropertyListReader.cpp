@@ -6,7 +6,8 @@
 // hand before it is used. Containers are read with a stack of frames of our own, so depth costs no
 // native stack. A container that several others name is read once and shared; its height and the
 // number of nodes that it expands to are kept, so that a few bytes which expand to millions of
-// nodes are refused before anybody walks them.
+// nodes are refused before anybody walks them. Objects that lie on top of each other are refused for
+// the same reason: a table of offsets that all name one long string is small, its strings aren't.
 #include "CFMethods/PropertyListCodec.h"
 #include "CFMethods/PropertyListMaker.h"
 
@@ -19,6 +20,10 @@ namespace
 {
 constexpr std::size_t kHeaderSize = 8, kTrailerSize = 32;
 constexpr std::uint64_t kExpansionFactor = 16, kExpansionAllowance = 1000;
+// Dictionaries share keys, so long keys that begin alike could be compared far more often than they
+// are stored. Above this length a key is compared once for the whole file.
+constexpr std::size_t kLongKey = 64;
+constexpr std::size_t kMostNotes = 100;
 
 template<class Integer>
 Integer LoadBigEndian( const std::uint8_t* inBytes )
@@ -118,17 +123,21 @@ private:
     std::uint64_t OffsetOf( std::uint64_t inObject ) const;
     std::uint64_t ReadLength(
         std::uint8_t inMarker, std::uint64_t inOffset, std::uint64_t inObject, const std::uint8_t*& outContent ) const;
-    const std::uint8_t* CheckContent( std::uint64_t inLength, unsigned inUnit, const std::uint8_t* inContent,
-        std::uint64_t inOffset, std::uint64_t inObject ) const;
+    void CheckContent( std::uint64_t inLength, unsigned inUnit, const std::uint8_t* inContent, std::uint64_t inOffset,
+        std::uint64_t inObject );
 
     XPlistNode* ReadLeaf( std::uint64_t inObject, std::uint64_t inOffset );
     XPlistNode* ReadInteger( unsigned inSize, std::uint64_t inOffset, std::uint64_t inObject ) const;
-    XPlistNode* ReadASCII( std::uint64_t inOffset, std::uint64_t inObject ) const;
-    XPlistNode* ReadWide( std::uint64_t inOffset, std::uint64_t inObject ) const;
+    XPlistNode* ReadASCII( std::uint64_t inOffset, std::uint64_t inObject );
+    XPlistNode* ReadWide( std::uint64_t inOffset, std::uint64_t inObject );
     void PushContainer( std::uint64_t inObject, std::uint64_t inOffset );
     void FillKeys( Frame& ioFrame );
     bool FillValues( Frame& ioFrame );
     void Finish( Frame& ioFrame );
+    void SortDictionary( XPlistDictionary* inDictionary, std::uint64_t inObject, const std::uint8_t* inReferences,
+        const XPlistMaker::KeyRanks* inRanks );
+    void SortByLongKeys();
+    void AddNote( std::string inMessage, std::uint64_t inOffset );
     std::uint64_t ReferenceAt( const Frame& inFrame, std::uint64_t inIndex ) const;
     const XPlistNode* Key( const Frame& inFrame, std::uint64_t inObject );
 
@@ -144,7 +153,14 @@ private:
     std::vector<const XPlistNode*> mNodes;
     std::vector<Frame> mStack;
     std::vector<Measure> mMeasures;
-    std::uint64_t mReferencesStored = 0, mObjectsMet = 0;
+    struct Unsorted
+    {
+        XPlistDictionary* mDictionary;
+        std::uint64_t mObject;
+        const std::uint8_t* mReferences;
+    };
+    std::vector<Unsorted> mUnsorted; // dictionaries with several long keys
+    std::uint64_t mReferencesStored = 0, mObjectsMet = 0, mContentMet = 0;
     const XPlistNode* mRootNode = nullptr;
     std::vector<__SafeCFPropertyList> mGivenUp;
     std::vector<XPlistNote> mNotes;
@@ -239,13 +255,16 @@ std::uint64_t Reader::ReadLength(
     return length;
 }
 
-const std::uint8_t* Reader::CheckContent( std::uint64_t inLength, unsigned inUnit, const std::uint8_t* inContent,
-    std::uint64_t inOffset, std::uint64_t inObject ) const
+void Reader::CheckContent( std::uint64_t inLength, unsigned inUnit, const std::uint8_t* inContent,
+    std::uint64_t inOffset, std::uint64_t inObject )
 {
     const std::uint64_t left = std::uint64_t( mBytes.data() + mTable - inContent );
     if ( inLength > left / inUnit or inLength > std::numeric_limits<std::uint32_t>::max() )
         RefuseObject( fmt::format( "a length of {} goes beyond the objects", inLength ), inOffset, inObject );
-    return inContent;
+    mContentMet += inLength * inUnit;
+    if ( mContentMet > mTable - kHeaderSize )
+        RefuseObject(
+            "the objects overlap: together they are longer than the room that they stand in", inOffset, inObject );
 }
 
 XPlistNode* Reader::ReadInteger( unsigned inSize, std::uint64_t inOffset, std::uint64_t inObject ) const
@@ -266,7 +285,7 @@ XPlistNode* Reader::ReadInteger( unsigned inSize, std::uint64_t inOffset, std::u
     RefuseObject( "an integer of 128 bits is beyond the range of 64", inOffset, inObject );
 }
 
-XPlistNode* Reader::ReadASCII( std::uint64_t inOffset, std::uint64_t inObject ) const
+XPlistNode* Reader::ReadASCII( std::uint64_t inOffset, std::uint64_t inObject )
 {
     const std::uint8_t* content = nullptr;
     const std::uint64_t length = ReadLength( mBytes[inOffset], inOffset, inObject, content );
@@ -292,7 +311,7 @@ XPlistNode* Reader::ReadASCII( std::uint64_t inOffset, std::uint64_t inObject ) 
     return string;
 }
 
-XPlistNode* Reader::ReadWide( std::uint64_t inOffset, std::uint64_t inObject ) const
+XPlistNode* Reader::ReadWide( std::uint64_t inOffset, std::uint64_t inObject )
 {
     const std::uint8_t* content = nullptr;
     const std::uint64_t length = ReadLength( mBytes[inOffset], inOffset, inObject, content );
@@ -370,6 +389,9 @@ void Reader::PushContainer( std::uint64_t inObject, std::uint64_t inOffset )
     const std::uint8_t* content = nullptr;
     const std::uint64_t count = ReadLength( marker, inOffset, inObject, content );
     CheckContent( count, mReferenceSize * ( isDictionary ? 2 : 1 ), content, inOffset, inObject );
+    // Room first: a frame that can't be stored would leave its node to nobody.
+    if ( mStack.size() == mStack.capacity() )
+        mStack.reserve( 16 + 2 * mStack.size() );
     mNodes[inObject] = InTheMaking();
     mReferencesStored += isDictionary ? 2 * count : count;
     XPlistNode* const node =
@@ -391,7 +413,7 @@ inline std::uint64_t Reader::ReferenceAt( const Frame& inFrame, std::uint64_t in
 const XPlistNode* Reader::Key( const Frame& inFrame, std::uint64_t inObject )
 {
     const XPlistNode* const known = mNodes[inObject];
-    if ( known and XPlistMaker::IsInternedString( known ) )
+    if ( known and XPlistMaker::IsKeyString( known ) )
     {
         known->Retain();
         return known;
@@ -479,13 +501,13 @@ void Reader::Finish( Frame& ioFrame )
             std::uint64_t( frame.mReferences - mBytes.data() ), frame.mObject );
     if ( frame.IsDictionary() )
     {
-        // What a doubled key gives up may be named by others as well, so it lives until the end.
-        const std::size_t doubled = XPlistMaker::SortEntries( frame.Dictionary(), &mGivenUp );
-        constexpr std::size_t kMostNotes = 100;
-        if ( doubled > 0 and mNotes.size() < kMostNotes )
-            mNotes.push_back(
-                { fmt::format( "object {} has {} keys twice; the last of each counts", frame.mObject, doubled ),
-                    std::uint64_t( frame.mReferences - mBytes.data() ) } );
+        const auto isLong = []( const XPlistDictionary::Entry& entry ) { return entry.mKey->GetLength() > kLongKey; };
+        const auto entries = frame.Dictionary()->GetEntries();
+        if ( std::count_if( entries.begin(), entries.end(), isLong ) > 1 )
+            mUnsorted.push_back( { frame.Dictionary(), frame.mObject, frame.mReferences } );
+        else
+            SortDictionary( frame.Dictionary(), frame.mObject, frame.mReferences, nullptr );
+        ioFrame.mCount = ioFrame.mKeys = ioFrame.mValues = std::uint32_t( frame.Dictionary()->GetCount() );
     }
     MeasureIndex( frame.mNode ) = std::uint32_t( mMeasures.size() );
     mMeasures.push_back( frame.mMeasure );
@@ -503,6 +525,48 @@ void Reader::Finish( Frame& ioFrame )
     else
         XPlistMaker::Slots( parent.Array() )[parent.mValues] = frame.mNode;
     ++parent.mValues;
+}
+
+void Reader::SortDictionary( XPlistDictionary* inDictionary, std::uint64_t inObject, const std::uint8_t* inReferences,
+    const XPlistMaker::KeyRanks* inRanks )
+{
+    // What a doubled key gives up may be named by others as well, so it lives until the end.
+    const std::size_t doubled = XPlistMaker::SortEntries( inDictionary, &mGivenUp, inRanks );
+    if ( doubled > 0 )
+        AddNote( fmt::format( "object {} has {} keys twice; the last of each counts", inObject, doubled ),
+            std::uint64_t( inReferences - mBytes.data() ) );
+}
+
+void Reader::SortByLongKeys()
+{
+    XPlistMaker::KeyRanks ranks;
+    std::vector<const XPlistString*> keys;
+    for ( const Unsorted& unsorted : mUnsorted )
+    {
+        for ( const auto& entry : unsorted.mDictionary->GetEntries() )
+        {
+            if ( entry.mKey->GetLength() > kLongKey and ranks.try_emplace( entry.mKey, 0 ).second )
+                keys.push_back( entry.mKey );
+        }
+    }
+    std::sort(
+        keys.begin(), keys.end(), []( const XPlistString* a, const XPlistString* b ) { return a->Compare( *b ) < 0; } );
+    std::uint32_t rank = 0;
+    for ( std::size_t i = 0; i < keys.size(); ++i )
+    {
+        // Equal keys that couldn't be interned are one all the same.
+        if ( i > 0 and not keys[i]->Equals( *keys[i - 1] ) )
+            ++rank;
+        ranks[keys[i]] = rank;
+    }
+    for ( const Unsorted& unsorted : mUnsorted )
+        SortDictionary( unsorted.mDictionary, unsorted.mObject, unsorted.mReferences, &ranks );
+}
+
+void Reader::AddNote( std::string inMessage, std::uint64_t inOffset )
+{
+    if ( mNotes.size() < kMostNotes )
+        mNotes.push_back( { std::move( inMessage ), inOffset } );
 }
 
 void Reader::Read( XPlistReadResult& outResult )
@@ -533,10 +597,11 @@ void Reader::Read( XPlistReadResult& outResult )
                 offset, mRoot );
     }
 
+    SortByLongKeys();
     if ( mObjectsMet < mObjectCount )
-        mNotes.push_back( { fmt::format( "{} of {} objects are held by nothing and aren't kept",
-                                mObjectCount - mObjectsMet, mObjectCount ),
-            mTable } );
+        AddNote( fmt::format(
+                     "{} of {} objects are held by nothing and aren't kept", mObjectCount - mObjectsMet, mObjectCount ),
+            mTable );
     outResult.mValue = CFContainer<XPlistNode>::Adopt( std::exchange( mRootNode, nullptr ) );
     outResult.mNotes = std::move( mNotes );
 }

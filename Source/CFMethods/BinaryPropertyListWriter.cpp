@@ -25,9 +25,11 @@ std::uint64_t ProcessSeed()
     return gSeed;
 }
 
+__extension__ using UInt128 = unsigned __int128; // no standard type, which -Wpedantic minds
+
 std::uint64_t Mix( std::uint64_t a, std::uint64_t b )
 {
-    const auto product = static_cast<unsigned __int128>( a ) * b;
+    const auto product = static_cast<UInt128>( a ) * b;
     return std::uint64_t( product ) ^ std::uint64_t( product >> 64 );
 }
 
@@ -405,7 +407,8 @@ void Writer::StoreObjects( std::uint8_t* outBytes, std::uint8_t* outTable, unsig
 XBytes Writer::Write( const XPlistNode* inRoot )
 {
     NumberObjects( inRoot );
-    const unsigned referenceSize = SizeFor( mObjects.size() - 1 );
+    // The count of objects, not only the last number, has to fit: other readers check for it.
+    const unsigned referenceSize = SizeFor( mObjects.size() );
     const std::uint64_t table = 8 + mSize + mReferences.size() * referenceSize;
     const unsigned offsetSize = SizeFor( table );
     const std::uint64_t trailer = table + mObjects.size() * offsetSize;

@@ -61,6 +61,7 @@ protected:
     static constexpr std::uint8_t kInternedFlag = 2; // a string in the table of keys
     static constexpr std::uint8_t kRealFlag = 4;     // a number that is a 64-bit float
     static constexpr std::uint8_t kUnsignedFlag = 8; // an integer above the signed 64-bit range
+    static constexpr std::uint8_t kAloneFlag = 16;   // a key that the table had no room for
 
     static void Destroy( const XPlistNode* inNode );
     // A key in the table may be found by another thread at any moment, so its last release is
@@ -188,7 +189,8 @@ public:
     [[nodiscard]] static CFContainer<XPlistString> MakeUTF8( std::string_view inUTF8 );
 
     /// The one shared string of this content that serves as a dictionary key. Interning never
-    /// fails; a content that would make the table slow (crafted collisions) isn't shared.
+    /// fails; a content that would make the table slow (crafted collisions) isn't shared, and the key that
+    /// it gives serves by itself: interning that one again gives it back.
     [[nodiscard]] static CFContainer<XPlistString> Intern( CFContainer<XPlistString> inString );
     [[nodiscard]] static CFContainer<XPlistString> InternASCII( std::string_view inASCII );
 

@@ -4,6 +4,8 @@
 
 #include "CFMethods/PropertyList.h"
 
+#include <unordered_map>
+
 struct XPlistMaker
 {
     /// A string of so many ASCII bytes or UTF-16 units, to be filled in. The caller keeps the rule
@@ -28,10 +30,12 @@ struct XPlistMaker
     /// SortEntries puts them in order.
     static XPlistDictionary* NewDictionary( std::size_t inCount );
     static XPlistDictionary::Entry* Entries( XPlistDictionary* inDictionary ) { return inDictionary->MutableEntries(); }
+    /// Where some keys stand among each other, so that they needn't be compared again.
+    using KeyRanks = std::unordered_map<const XPlistNode*, std::uint32_t>;
     /// Sorts by key. Of equal keys the last that was filled in stays; the others are released, or
     /// handed over with their values. The result is the number of entries that went.
-    static std::size_t SortEntries(
-        XPlistDictionary* inDictionary, std::vector<__SafeCFPropertyList>* outGivenUp = nullptr );
+    static std::size_t SortEntries( XPlistDictionary* inDictionary,
+        std::vector<__SafeCFPropertyList>* outGivenUp = nullptr, const KeyRanks* inRanks = nullptr );
     /// Takes out the entries that hold this very value.
     static void RemoveEntries( XPlistDictionary* inDictionary, const XPlistNode* inValue );
 
@@ -46,6 +50,11 @@ struct XPlistMaker
         return static_cast<XPlistContainer*>( inContainer )->mLinkHigh;
     }
     static bool IsInternedString( const XPlistNode* inNode ) { return inNode->mFlags & XPlistNode::kInternedFlag; }
+    /// Has the string been through XPlistString::Intern?
+    static bool IsKeyString( const XPlistNode* inNode )
+    {
+        return inNode->mFlags & ( XPlistNode::kInternedFlag | XPlistNode::kAloneFlag );
+    }
 
     /// A node that nobody holds yet takes another reference, without an atomic operation.
     static void RetainUnshared( const XPlistNode* inNode )

@@ -62,14 +62,16 @@ public:
             if ( probes == kMostProbes )
             {
                 CFContainer<XPlistString> alone = inMake();
-                alone.GetCFRef()->mKeyHash = inHash;
+                auto* const node = const_cast<XPlistString*>( alone.GetCFRef() );
+                node->mKeyHash = inHash;
+                node->mFlags |= XPlistString::kAloneFlag;
                 return alone;
             }
         }
         CFContainer<XPlistString> added = inMake();
         auto* const node = const_cast<XPlistString*>( added.GetCFRef() );
         node->mKeyHash = inHash;
-        node->mFlags |= XPlistNode::kInternedFlag;
+        node->mFlags |= XPlistString::kInternedFlag;
         mSlots[slot] = node;
         ++mCount;
         return added;
@@ -240,11 +242,20 @@ XPlistDictionary* XPlistMaker::NewDictionary( std::size_t inCount )
         XPlistDictionary( inCount );
 }
 
-std::size_t XPlistMaker::SortEntries( XPlistDictionary* inDictionary, std::vector<__SafeCFPropertyList>* outGivenUp )
+std::size_t XPlistMaker::SortEntries(
+    XPlistDictionary* inDictionary, std::vector<__SafeCFPropertyList>* outGivenUp, const KeyRanks* inRanks )
 {
     using Entry = XPlistDictionary::Entry;
-    const auto compare = []( const Entry& a, const Entry& b ) {
-        return a.mKey == b.mKey ? 0 : a.mKey->Compare( *b.mKey );
+    const auto compare = [inRanks]( const Entry& a, const Entry& b ) {
+        if ( a.mKey == b.mKey )
+            return 0;
+        if ( inRanks )
+        {
+            const auto x = inRanks->find( a.mKey ), y = inRanks->find( b.mKey );
+            if ( x != inRanks->end() and y != inRanks->end() )
+                return x->second < y->second ? -1 : x->second > y->second ? 1 : 0;
+        }
+        return a.mKey->Compare( *b.mKey );
     };
     const std::span<Entry> entries( inDictionary->MutableEntries(), inDictionary->GetCount() );
 
@@ -273,6 +284,16 @@ std::size_t XPlistMaker::SortEntries( XPlistDictionary* inDictionary, std::vecto
             [&compare]( const Entry& a, const Entry& b ) { return compare( a, b ) < 0; } );
     }
 
+    if ( outGivenUp )
+    {
+        // Room first: running out of memory between two entries would leave one of them held twice.
+        std::size_t doubled = 0;
+        for ( std::size_t i = 1; i < entries.size(); ++i )
+            doubled += compare( entries[i - 1], entries[i] ) == 0;
+        const std::size_t needed = outGivenUp->size() + 2 * doubled;
+        if ( needed > outGivenUp->capacity() )
+            outGivenUp->reserve( std::max( needed, 2 * outGivenUp->capacity() ) );
+    }
     std::size_t kept = 0;
     for ( const Entry& entry : entries )
     {
@@ -312,7 +333,7 @@ CFContainer<XPlistString> XPlistString::Make( TextView inText )
 CFContainer<XPlistString> XPlistString::MakeASCII( std::string_view inASCII )
 {
     XPlistString* const string = XPlistMaker::NewASCII( inASCII.size() );
-    std::memcpy( XPlistMaker::ASCIIBuffer( string ), inASCII.data(), inASCII.size() );
+    inASCII.copy( XPlistMaker::ASCIIBuffer( string ), inASCII.size() ); // unlike memcpy, takes an empty view of nothing
     return CFContainer<XPlistString>::Adopt( string );
 }
 
@@ -324,15 +345,16 @@ CFContainer<XPlistString> XPlistString::MakeUTF8( std::string_view inUTF8 )
 CFContainer<XPlistString> XPlistString::Intern( CFContainer<XPlistString> inString )
 {
     const XPlistString& string = *inString;
-    if ( string.IsInterned() )
+    if ( string.mFlags & ( kInternedFlag | kAloneFlag ) )
         return inString;
     const std::uint32_t hash = string.IsASCII() ? XPlistDetail::HashUnits( string.ASCII().data(), string.mLength )
                                                 : XPlistDetail::HashUnits( string.Wide().data(), string.mLength );
     return XPlistKeyTable::Get().FindOrAdd(
         hash, [&string]( const XPlistString& known ) { return known.Equals( string ); },
         [&] {
-            // Others may be reading a shared string, so only one that is nobody else's is marked.
-            if ( string.GetRetainCount() == 1 )
+            // Others may be reading a shared string, so only one that is nobody else's is marked; the
+            // acquire lets what the last of them did come first.
+            if ( string.mReferences.load( std::memory_order_acquire ) == 1 )
                 return inString;
             return string.IsASCII() ? MakeASCII( string.ASCII() ) : Make( string.Wide() );
         } );
