@@ -177,73 +177,82 @@ const XPlistNode* XPlistDictionary::Find( const XText& inKey ) const
         GetEntries(), [&inKey]( const XPlistString& key ) { return key.Compare( *inKey.GetString() ); } );
 }
 
-namespace
+// The value of a key, if it has the type; whoever watches is told whether it was taken.
+template<class T, class Take>
+bool XPlistDictionary::GetAs( const XKey& inKey, XPlistType inType, const Take& inTake ) const
 {
-template<class T>
-const T* NodeAs( const XPlistNode* inNode, XPlistType inType )
-{
-    return inNode and inNode->GetType() == inType ? static_cast<const T*>( inNode ) : nullptr;
+    const XPlistNode* const node = Find( inKey );
+    if ( not node )
+        return false;
+    const bool taken = node->GetType() == inType and inTake( *static_cast<const T*>( node ) );
+    if ( gReadObserver ) [[unlikely]]
+    {
+        if ( taken )
+            gReadObserver->DidTake( *this, inKey );
+        else
+            gReadObserver->DidMisread( *this, inKey );
+    }
+    return taken;
 }
-} // namespace
 
 bool XPlistDictionary::Get( const XKey& inKey, bool& outValue ) const
 {
-    const auto* const boolean = NodeAs<XPlistBoolean>( Find( inKey ), XPlistType::kBoolean );
-    if ( boolean )
-        outValue = boolean->GetValue();
-    return boolean != nullptr;
+    return GetAs<XPlistBoolean>( inKey, XPlistType::kBoolean, [&outValue]( const XPlistBoolean& boolean ) {
+        outValue = boolean.GetValue();
+        return true;
+    } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, std::int32_t& outValue ) const
 {
-    const auto* const number = NodeAs<XPlistNumber>( Find( inKey ), XPlistType::kNumber );
-    return number and number->Get( outValue );
+    return GetAs<XPlistNumber>(
+        inKey, XPlistType::kNumber, [&outValue]( const XPlistNumber& number ) { return number.Get( outValue ); } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, std::int64_t& outValue ) const
 {
-    const auto* const number = NodeAs<XPlistNumber>( Find( inKey ), XPlistType::kNumber );
-    return number and number->Get( outValue );
+    return GetAs<XPlistNumber>(
+        inKey, XPlistType::kNumber, [&outValue]( const XPlistNumber& number ) { return number.Get( outValue ); } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, double& outValue ) const
 {
-    const auto* const number = NodeAs<XPlistNumber>( Find( inKey ), XPlistType::kNumber );
-    if ( number )
-        outValue = number->AsReal();
-    return number != nullptr;
+    return GetAs<XPlistNumber>( inKey, XPlistType::kNumber, [&outValue]( const XPlistNumber& number ) {
+        outValue = number.AsReal();
+        return true;
+    } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, XText& outValue ) const
 {
-    const auto* const string = NodeAs<XPlistString>( Find( inKey ), XPlistType::kString );
-    if ( string )
-        outValue = CFContainer<XPlistString>::Share( string );
-    return string != nullptr;
+    return GetAs<XPlistString>( inKey, XPlistType::kString, [&outValue]( const XPlistString& string ) {
+        outValue = CFContainer<XPlistString>::Share( &string );
+        return true;
+    } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, CFContainer<XPlistArray>& outValue ) const
 {
-    const auto* const array = NodeAs<XPlistArray>( Find( inKey ), XPlistType::kArray );
-    if ( array )
-        outValue = CFContainer<XPlistArray>::Share( array );
-    return array != nullptr;
+    return GetAs<XPlistArray>( inKey, XPlistType::kArray, [&outValue]( const XPlistArray& array ) {
+        outValue = CFContainer<XPlistArray>::Share( &array );
+        return true;
+    } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, CFContainer<XPlistDictionary>& outValue ) const
 {
-    const auto* const dictionary = NodeAs<XPlistDictionary>( Find( inKey ), XPlistType::kDictionary );
-    if ( dictionary )
-        outValue = CFContainer<XPlistDictionary>::Share( dictionary );
-    return dictionary != nullptr;
+    return GetAs<XPlistDictionary>( inKey, XPlistType::kDictionary, [&outValue]( const XPlistDictionary& dictionary ) {
+        outValue = CFContainer<XPlistDictionary>::Share( &dictionary );
+        return true;
+    } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, CFContainer<XPlistData>& outValue ) const
 {
-    const auto* const data = NodeAs<XPlistData>( Find( inKey ), XPlistType::kData );
-    if ( data )
-        outValue = CFContainer<XPlistData>::Share( data );
-    return data != nullptr;
+    return GetAs<XPlistData>( inKey, XPlistType::kData, [&outValue]( const XPlistData& data ) {
+        outValue = CFContainer<XPlistData>::Share( &data );
+        return true;
+    } );
 }
 
 bool XPlistDictionary::Get( const XKey& inKey, __SafeCFPropertyList& outValue ) const

@@ -482,6 +482,8 @@ private:
     friend struct XPlistMaker;
     explicit XPlistDictionary( std::size_t inCount ) : XPlistContainer( XPlistType::kDictionary, inCount ) {}
     Entry* MutableEntries() { return reinterpret_cast<Entry*>( this + 1 ); }
+    template<class T, class Take>
+    bool GetAs( const XKey& inKey, XPlistType inType, const Take& inTake ) const;
 };
 
 inline const XPlistArray* __SafeCFPropertyList::AsArray() const

@@ -10,6 +10,10 @@ public:
     virtual ~XPlistReadObserver() = default;
     /// A key was asked for, whether it is there or not. Called on the thread that reads.
     virtual void DidRead( const XPlistDictionary& inDictionary, const XKey& inKey ) = 0;
+    /// A value stood there, but of another type than was asked for, or a number that doesn't fit.
+    virtual void DidMisread( const XPlistDictionary& inDictionary, const XKey& inKey ) = 0;
+    /// The value was taken.
+    virtual void DidTake( const XPlistDictionary& inDictionary, const XKey& inKey ) = 0;
 
     /// Watches the reads of this thread for as long as the object lives.
     class Scope

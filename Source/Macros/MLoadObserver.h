@@ -17,10 +17,13 @@ public:
     virtual void DidReadOlderKey( const XPlistDictionary& inSource, const XKey& inOlder, const XKey& inCurrent ) = 0;
     /// The element stands as another type from now on.
     virtual void DidUpgradeType( const XPlistDictionary& inSource, TextView inOlder, TextView inCurrent ) = 0;
+    /// A key's value has an earlier form, which the next save writes in the current one. Nothing is lost by it.
+    virtual void DidUpgradeValue( const XPlistDictionary& inSource, const XKey& inKey, TextView inReason ) = 0;
     /// A key's value was set right, and why.
     virtual void DidRepair( const XPlistDictionary& inSource, const XKey& inKey, TextView inReason ) = 0;
-    /// The object that this dictionary describes holds another UID than the file said ("" for none).
-    virtual void DidReplaceUID( const XPlistDictionary& inSource, const XText& inFileUID, const XText& inUID ) = 0;
+    /// A macro, group or smart group has read its UID. The file's is null or "" when it says none; the object's is
+    /// another one when the file's couldn't be used.
+    virtual void DidReadUID( const XPlistDictionary& inSource, const XText& inFileUID, const XText& inUID ) = 0;
 
     /// The observer of this thread, or null.
     [[nodiscard]] static MLoadObserver* Current();

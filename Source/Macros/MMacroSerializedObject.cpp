@@ -204,16 +204,12 @@ void MMacroSerializedObject::LoadUID( const XPlistDictionary& inDictionary )
         MMacroInsertion::AddMapping( uid, mUID );
         trouble = "Duplicate UID ignored for macro / macro group '%@'";
     }
-    else
-    {
-        if ( not other )
-            SetUID( uid );
-        return;
-    }
-    if ( XErrorHandler::MaybeShouldLog( "UID" ) )
+    else if ( not other )
+        SetUID( uid );
+    if ( trouble and XErrorHandler::MaybeShouldLog( "UID" ) )
         XErrorHandler::PrivateMaybeLogFormat( "UID", trouble, GetName() );
     if ( MLoadObserver* const observer = MLoadObserver::Current() )
-        observer->DidReplaceUID( inDictionary, uid, mUID );
+        observer->DidReadUID( inDictionary, uid, mUID );
 }
 
 void MMacroSerializedObject::LoadBaseFromDictionary( const XPlistDictionary* dictionary )
@@ -239,7 +235,7 @@ void MMacroSerializedObject::LoadBaseFromDictionary( const XPlistDictionary* dic
             SetCustomIconData( icon.GetSavedData() );
         MMacroPreferenceFile::SetLoadAllMacrosNeedsSave();
         if ( MLoadObserver* const observer = MLoadObserver::Current() )
-            observer->DidRepair( *dictionary, CFSTR( "CustomIconData" ), u"an earlier form of a custom icon" );
+            observer->DidUpgradeValue( *dictionary, CFSTR( "CustomIconData" ), u"an earlier form of a custom icon" );
     }
 }
 

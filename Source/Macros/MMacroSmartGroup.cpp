@@ -98,7 +98,7 @@ void MMacroSmartGroup::LoadFromPropertyList( const __SafeCFPropertyList& inValue
     {
         mSearchStrings = { u"all:" };
         if ( MLoadObserver* const observer = MLoadObserver::Current() )
-            observer->DidRepair( *dictionary, CFSTR( "SearchStrings" ), u"“All Macros” searches for “all:”" );
+            observer->DidUpgradeValue( *dictionary, CFSTR( "SearchStrings" ), u"“All Macros” searches for “all:”" );
     }
 }
 
