@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string_view>
 
 namespace XErrorHandler
@@ -26,18 +27,36 @@ void PrivateMaybeLogFormat( const char* inCode, const char* inFormat, const Argu
 /// Writes an entry to the log file, and to the system log if asked.
 void PrivateLogMessage( bool inToSystemLog, TextView inMessage );
 
+/// Where the two preferences of logging come from; absent means not set. The row that knows the
+/// preferences fills it in at start-up. Each is read once in a process, "Debug" by the first
+/// question about a tag, "AssertBeep" by the first failed assertion; before there is a source every
+/// tag but the three is off, and the question stays open. The functions may log.
+struct PreferenceSource
+{
+    std::function<std::optional<Text>( TextView inKey )> mText;
+    std::function<std::optional<bool>( TextView inKey )> mBoolean;
+};
+void SetPreferenceSource( PreferenceSource inSource );
+
+/// The longest "Debug" in UTF-8 bytes; a longer one counts as not set, and a log line says so.
+inline constexpr std::size_t kMaxDebugBytes = 252;
+
+/// Sets the folder that LogsFolder returns. At start-up, before the first entry.
+void SetLogsFolder( std::filesystem::path inFolder );
+
 /// Sets the quitting state, in which every entry is on disk before the call returns, and waits for
 /// the queue. Main thread, once, at the end.
 void Quitting();
 
-/// The folder "Korvalen" inside the user's logs folder; created if needed.
+/// The folder "Korvalen" inside the user's logs folder, "$XDG_STATE_HOME" or "~/.local/state", unless
+/// another was set; created if needed.
 [[nodiscard]] std::filesystem::path LogsFolder();
 /// "Editor.log" in that folder.
 [[nodiscard]] std::filesystem::path LogFilePath();
 
 void PrivateLogEnabled( const char* inCode, TextView inMessage );
-void PrivateAssertionFailed( const char* inExpression, const char* inExtra, const char* inFile, long inLine,
-    std::int64_t inValue );
+void PrivateAssertionFailed(
+    const char* inExpression, const char* inExtra, const char* inFile, long inLine, std::int64_t inValue );
 void PrivateAssertMessage( TextView inMessage );
 void PrivateBeep( TextView inMessage );
 
@@ -68,6 +87,6 @@ void XErrorBeep( const char* inFormat, const Arguments&... inArguments )
 #define XAssert( ... ) XAssertText( ( __VA_ARGS__ ), #__VA_ARGS__ )
 
 /// The same with a given text, where the quoted text isn't this expression.
-#define XAssertText( inCondition, inText )                                                                            \
-    ( ( inCondition ) ? static_cast<void>( 0 )                                                                        \
+#define XAssertText( inCondition, inText )                                                                             \
+    ( ( inCondition ) ? static_cast<void>( 0 )                                                                         \
                       : XErrorHandler::PrivateAssertionFailed( inText, "", __FILE__, __LINE__, 0 ) )

@@ -29,6 +29,11 @@ const XClock& XClock::Current()
     return *gClock.load( std::memory_order_acquire );
 }
 
+const XClock& XClock::System()
+{
+    return gSystemClock;
+}
+
 XClock::Substitute::Substitute( const XClock& inClock ) : mPrevious( gClock.exchange( &inClock ) ) {}
 
 XClock::Substitute::~Substitute()
@@ -52,6 +57,15 @@ void XManualClock::Advance( double inSeconds )
 {
     mNow.store( mNow.load() + inSeconds );
     mMonotonic.store( mMonotonic.load() + inSeconds );
+}
+
+void XManualClock::AdvanceTo( double inMonotonicSeconds )
+{
+    const double step = inMonotonicSeconds - mMonotonic.load();
+    if ( not( step > 0 ) )
+        return;
+    mNow.store( mNow.load() + step );
+    mMonotonic.store( inMonotonicSeconds );
 }
 
 void XManualClock::SetNow( XAbsoluteTime inNow )

@@ -19,6 +19,8 @@ public:
 
     /// The clock in use: the system's unless another was installed. Any thread.
     [[nodiscard]] static const XClock& Current();
+    /// The system's clock, whatever is installed: for what has to wait in real time.
+    [[nodiscard]] static const XClock& System();
 
     /// Installs a clock for as long as this object lives. Main thread, while nothing else runs.
     class Substitute
@@ -43,6 +45,8 @@ public:
     [[nodiscard]] double MonotonicSeconds() const override;
     /// Both times move on.
     void Advance( double inSeconds );
+    /// Both times move on until the monotonic one is exactly this; a time gone by is ignored.
+    void AdvanceTo( double inMonotonicSeconds );
     /// Only the wall clock jumps, as when a user sets it.
     void SetNow( XAbsoluteTime inNow );
 

@@ -1,0 +1,40 @@
+// Notifications between processes: the editor, its engine, and other programs of the suite on
+// this user's session. The platform's set carries them; without one they go nowhere.
+#pragma once
+
+#include "CFMethods/PropertyList.h"
+#include "CFMethods/Text.h"
+
+#include <functional>
+
+class XProcessNotifier
+{
+public:
+    /// Takes what another process posted. Called on the main thread.
+    using Receiver = std::function<void( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo )>;
+
+    virtual ~XProcessNotifier() = default;
+
+    /// Posts to other processes, without waiting, delivery or order being sure only while they run. The
+    /// payload is a flat dictionary of property-list values, or null for none. Main thread.
+    virtual void Post( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo ) = 0;
+    /// Hands what other processes post to the receiver, never what this process posted; empty for nobody.
+    /// Main thread.
+    virtual void SetReceiver( Receiver inReceiver ) = 0;
+
+    /// The notifier in use; the absent one unless another was installed. Any thread.
+    [[nodiscard]] static XProcessNotifier& Current();
+
+    /// Installs a notifier for as long as this object lives. Main thread.
+    class Substitute
+    {
+    public:
+        explicit Substitute( XProcessNotifier& inNotifier );
+        ~Substitute();
+        Substitute( const Substitute& ) = delete;
+        Substitute& operator=( const Substitute& ) = delete;
+
+    private:
+        XProcessNotifier* mPrevious;
+    };
+};

@@ -1,0 +1,357 @@
+#include "XCAF/XErrorHandler.h"
+
+#include "Platform/Alerts.h"
+#include "Utility/Work/Clock.h"
+#include "Utility/Work/Work.h"
+#include "XCAF/LogFile.h"
+#include "XCAF/XErrorHandlerTesting.h"
+
+#include <atomic>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <mutex>
+
+namespace
+{
+// What "Debug" says. Made once, then never changed or destroyed: any thread reads it without a lock.
+struct DebugLevel
+{
+    std::string mShould; // gShould: the words with one space before and after, or empty
+    bool mAccurateTime = false;
+};
+
+// Deliberately never destroyed: other threads and late destructors log to the very end.
+struct State
+{
+    std::mutex mMutex; // guards what isn't atomic
+    XErrorHandler::PreferenceSource mSource;
+    XErrorHandler::TestSink mSink;
+    std::filesystem::path mLogsFolder;
+    std::vector<std::unique_ptr<const DebugLevel>> mLevels; // one, but for tests
+
+    std::atomic<const DebugLevel*> mLevel{ nullptr };
+    std::atomic<bool> mHasSource{ false }, mIsReadingDebug{ false }, mHasSink{ false };
+    std::atomic<int> mAssertBeep{ -1 };     // -1: not yet read
+    std::atomic<bool> mQuitting{ false };   // gQuitting
+    std::atomic<bool> mSyncronous{ false }; // gHackSyncronousLogging
+};
+
+State& TheState()
+{
+    static State* const gState = new State;
+    return *gState;
+}
+
+// The queue and the file that only it touches, one for each environment of queues.
+struct LogFileQueue
+{
+    explicit LogFileQueue( XWork& inWork )
+        : mQueue( inWork.MakeSerialQueue( u"com.tessarine.korvalen.LogToLogFile" ) ),
+          mFile( std::make_shared<XLogFile>() )
+    {}
+
+    const std::shared_ptr<XQueue> mQueue; // gLogFileQueue
+    const std::shared_ptr<XLogFile> mFile;
+};
+
+bool HasWord( std::string_view inShould, std::string_view inCode )
+{
+    char word[XErrorHandler::MAXCODELEN + 2];
+    word[0] = ' ';
+    std::memcpy( word + 1, inCode.data(), inCode.size() );
+    word[inCode.size() + 1] = ' ';
+    return inShould.find( std::string_view( word, inCode.size() + 2 ) ) != std::string_view::npos;
+}
+
+bool IsOn( const DebugLevel& inLevel, std::string_view inCode )
+{
+    if ( inLevel.mShould.empty() )
+        return false;
+    return inCode == "any" or inLevel.mShould == " all " or HasWord( inLevel.mShould, inCode );
+}
+
+const DebugLevel* PublishLevel( DebugLevel inLevel )
+{
+    State& state = TheState();
+    const std::scoped_lock lock( state.mMutex );
+    state.mLevels.push_back( std::make_unique<const DebugLevel>( std::move( inLevel ) ) );
+    state.mLevel.store( state.mLevels.back().get(), std::memory_order_release );
+    return state.mLevels.back().get();
+}
+
+// Null while there is no source, or while it is being asked: by this very thread if the source logs, or by another,
+// for which waiting could be a deadlock.
+const DebugLevel* ReadLevel()
+{
+    State& state = TheState();
+    if ( not state.mHasSource.load( std::memory_order_acquire ) or state.mIsReadingDebug.exchange( true ) )
+        return nullptr;
+    if ( const DebugLevel* level = state.mLevel.load( std::memory_order_acquire ) ) // read a moment ago
+        return level;
+    std::function<std::optional<Text>( TextView )> read;
+    {
+        const std::scoped_lock lock( state.mMutex );
+        read = state.mSource.mText;
+    }
+    const std::string words = UTF8FromText( ( read ? read( u"Debug" ) : std::nullopt ).value_or( Text() ) );
+    if ( words.size() > XErrorHandler::kMaxDebugBytes )
+    {
+        const DebugLevel* level = PublishLevel( {} );
+        XErrorHandler::PrivateMaybeLogFormat( "always",
+            "The preference \"Debug\" is longer than %lu bytes and is ignored; shorten it",
+            std::uint64_t( XErrorHandler::kMaxDebugBytes ) );
+        return level;
+    }
+    DebugLevel made;
+    if ( not words.empty() )
+        made.mShould = " " + words + " ";
+    made.mAccurateTime = HasWord( made.mShould, "AccurateTime" );
+    const DebugLevel* level = PublishLevel( std::move( made ) );
+    XErrorHandler::PrivateMaybeLogFormat( "any", "Debugging level set to '%s'", words );
+    return level;
+}
+
+const DebugLevel* CurrentLevel()
+{
+    const DebugLevel* level = TheState().mLevel.load( std::memory_order_acquire );
+    return level ? level : ReadLevel();
+}
+
+void ReplaceAll( Text& ioText, TextView inOld, TextView inNew )
+{
+    if ( inOld.empty() or ioText.find( inOld ) == Text::npos )
+        return;
+    Text result;
+    std::size_t at = 0;
+    for ( std::size_t found; ( found = ioText.find( inOld, at ) ) != Text::npos; at = found + inOld.size() )
+        result.append( ioText, at, found - at ).append( inNew );
+    ioText = result.append( ioText, at, Text::npos );
+}
+
+Text Cleaned( TextView inMessage )
+{
+    static const Text* const gSourceRoot = new Text( TextFromUTF8( KORVALEN_SOURCE_ROOT ) );
+    Text message( inMessage );
+    ReplaceAll( message, u"\r\n", u"\n" );
+    ReplaceAll( message, u"\r", u"\n" );
+    ReplaceAll( message, *gSourceRoot, u"…/" );
+    return message;
+}
+
+// "%F %T" whatever the locale.
+std::string LocalTime()
+{
+    constexpr double k2001 = 978307200;
+    const std::time_t time = std::time_t( std::floor( XClock::Current().Now() + k2001 ) );
+    std::tm parts{};
+    ::localtime_r( &time, &parts );
+    char text[64];
+    std::snprintf( text, sizeof( text ), "%04d-%02d-%02d %02d:%02d:%02d", parts.tm_year + 1900, parts.tm_mon + 1,
+        parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec );
+    return text;
+}
+
+std::string LineFor( const Text& inMessage )
+{
+    const DebugLevel* level = TheState().mLevel.load( std::memory_order_acquire );
+    Text line;
+    if ( level and level->mAccurateTime )
+    {
+        const auto microseconds = std::uint64_t( XClock::Current().MonotonicSeconds() * 1e6 );
+        line = kvr_format( "%s %llu %@", LocalTime(), microseconds, inMessage );
+    }
+    else
+        line = kvr_format( "%s %@", LocalTime(), inMessage );
+    return UTF8FromText( line ) + "\n";
+}
+
+void WriteToFile( const Text& inMessage )
+{
+    auto& log = XWork::Current().Shared<LogFileQueue>();
+    log.mQueue->Async( [file = log.mFile, line = LineFor( inMessage )] {
+        try
+        {
+            file->Append( XErrorHandler::LogFilePath(), line );
+        }
+        catch ( const std::exception& )
+        {
+            // Nobody to tell.
+        }
+    } );
+    const State& state = TheState();
+    // What runs on the queue itself can't wait for it; the caller who waits for that block waits for this one too.
+    if ( ( state.mQuitting or state.mSyncronous ) and not log.mQueue->IsCurrent() )
+        log.mQueue->Sync( [] {} );
+}
+
+std::filesystem::path DefaultLogsFolder()
+{
+    const char* state = std::getenv( "XDG_STATE_HOME" );
+    if ( state and state[0] == '/' )
+        return std::filesystem::path( state ) / "Korvalen";
+    const char* home = std::getenv( "HOME" );
+    return std::filesystem::path( home and home[0] == '/' ? home : "/tmp" ) / ".local/state/Korvalen";
+}
+
+void BeepIfAsked()
+{
+    State& state = TheState();
+    int beep = state.mAssertBeep.load();
+    if ( beep < 0 and state.mHasSource )
+    {
+        std::function<std::optional<bool>( TextView )> read;
+        {
+            const std::scoped_lock lock( state.mMutex );
+            read = state.mSource.mBoolean;
+        }
+        state.mAssertBeep = 0; // an assertion of the source itself doesn't come back here
+        beep = read and read( u"AssertBeep" ).value_or( false );
+        state.mAssertBeep = beep;
+    }
+    if ( beep > 0 )
+        XAlerts::Current().PlayAlertSound( XAlerts::kAlertSound );
+}
+
+bool IsCodeLengthRight( std::size_t inLength )
+{
+    XAssertText( inLength >= 3, "strlen( code ) >= 3" );
+    XAssertText( inLength < XErrorHandler::MAXCODELEN, "strlen( code ) < MAXCODELEN" );
+    return inLength >= 3 and inLength < XErrorHandler::MAXCODELEN;
+}
+} // namespace
+
+bool XErrorHandler::MaybeShouldLog( const char* inCode )
+{
+    const std::string_view code = inCode ? inCode : "";
+    if ( ( code.size() < 3 or code.size() >= MAXCODELEN ) and not IsCodeLengthRight( code.size() ) )
+        return true;
+    if ( code == "always" or code == "display" or code == "debug" )
+        return true;
+    const DebugLevel* level = CurrentLevel();
+    return level and IsOn( *level, code );
+}
+
+void XErrorHandler::PrivateLogEnabled( const char* inCode, TextView inMessage )
+{
+    const bool isAlways = inCode and std::strcmp( inCode, "always" ) == 0;
+    PrivateLogMessage( isAlways or MaybeShouldLog( "LOG" ), inMessage );
+}
+
+void XErrorHandler::PrivateLogMessage( bool inToSystemLog, TextView inMessage )
+{
+    try
+    {
+        const Text message = Cleaned( inMessage );
+        State& state = TheState();
+        TestSink sink;
+        if ( state.mHasSink )
+        {
+            const std::scoped_lock lock( state.mMutex );
+            sink = state.mSink;
+        }
+        if ( sink )
+            sink( inToSystemLog, message );
+        else
+            WriteToFile( message );
+        if ( inToSystemLog )
+            XAlerts::Current().SystemLog( message );
+    }
+    catch ( const std::exception& )
+    {
+        // Out of memory or threads: the caller's own business goes on without the line.
+    }
+}
+
+void XErrorHandler::PrivateAssertionFailed(
+    const char* inExpression, const char* inExtra, const char* inFile, long inLine, std::int64_t inValue )
+{
+    XErrorHandlerDebugAssertMessage(
+        "Assertion Failed: %s, %s file: %s:%ld, value: %ld", inExpression, inExtra, inFile, inLine, inValue );
+}
+
+void XErrorHandler::PrivateAssertMessage( TextView inMessage )
+{
+    PrivateLogMessage( true, inMessage );
+    BeepIfAsked();
+}
+
+void XErrorHandler::PrivateBeep( TextView inMessage )
+{
+    PrivateLogMessage( true, inMessage );
+    XAlerts::Current().PlayAlertSound( XAlerts::kAlertSound );
+}
+
+void XErrorHandler::SetPreferenceSource( PreferenceSource inSource )
+{
+    State& state = TheState();
+    const std::scoped_lock lock( state.mMutex );
+    state.mSource = std::move( inSource );
+    state.mHasSource.store( true, std::memory_order_release );
+}
+
+void XErrorHandler::SetLogsFolder( std::filesystem::path inFolder )
+{
+    State& state = TheState();
+    const std::scoped_lock lock( state.mMutex );
+    state.mLogsFolder = std::move( inFolder );
+}
+
+void XErrorHandler::Quitting()
+{
+    TheState().mQuitting = true;
+    const auto& log = XWork::Current().Shared<LogFileQueue>();
+    if ( not log.mQueue->IsCurrent() )
+        log.mQueue->Sync( [] {} );
+}
+
+std::filesystem::path XErrorHandler::LogsFolder()
+{
+    std::filesystem::path folder;
+    {
+        State& state = TheState();
+        const std::scoped_lock lock( state.mMutex );
+        folder = state.mLogsFolder;
+    }
+    if ( folder.empty() )
+        folder = DefaultLogsFolder();
+    std::error_code ignored;
+    // Logs tell what a user does: the folder is the user's alone.
+    if ( std::filesystem::create_directories( folder, ignored ) )
+        std::filesystem::permissions( folder, std::filesystem::perms::owner_all, ignored );
+    return folder;
+}
+
+std::filesystem::path XErrorHandler::LogFilePath()
+{
+    return LogsFolder() / "Editor.log";
+}
+
+void XErrorHandler::SetSinkForTesting( TestSink inSink )
+{
+    State& state = TheState();
+    const std::scoped_lock lock( state.mMutex );
+    state.mHasSink = bool( inSink );
+    state.mSink.swap( inSink );
+}
+
+void XErrorHandler::ResetForTesting()
+{
+    State& state = TheState();
+    const std::scoped_lock lock( state.mMutex );
+    state.mSource = {};
+    state.mHasSource = false;
+    state.mLevel = nullptr;
+    state.mLevels.clear();
+    state.mIsReadingDebug = false;
+    state.mAssertBeep = -1;
+    state.mQuitting = false;
+    state.mSyncronous = false;
+}
+
+void XErrorHandler::SetSyncronousLogging( bool inOn )
+{
+    TheState().mSyncronous = inOn;
+}
