@@ -3,6 +3,7 @@
 #include "Platform/FileFacts.h"
 #include "Utility/Text/Format.h"
 #include "Utility/Text/PathHelpers.h"
+#include "Utility/Text/TextCompare.h"
 #include "Utility/Work/Random.h"
 #include "XCAF/XErrorHandler.h"
 
@@ -34,11 +35,13 @@ bool IsTaken( const fs::path& inPath )
     return fs::symlink_status( inPath, error ).type() != fs::file_type::not_found;
 }
 
-// Two names of one file, as "a" and "A" where case doesn't count, are no collision.
+// The same name but for case, where the file system makes no difference, is no collision.
 bool IsSameFile( const fs::path& inPath, const fs::path& inOther )
 {
     std::error_code error;
-    return not fs::is_symlink( inPath, error ) and fs::equivalent( inPath, inOther, error );
+    return kvr_caseInsensitiveIsEqualToString(
+               TextFromUTF8( inPath.filename().native() ), TextFromUTF8( inOther.filename().native() ) ) and
+        not fs::is_symlink( inPath, error ) and fs::equivalent( inPath, inOther, error );
 }
 
 std::error_code Rename( const fs::path& inFrom, const fs::path& inTo )
@@ -124,8 +127,7 @@ bool deleteFile( TextView inPath )
     const auto path = kvr_fileSystemPath( inPath );
     std::error_code error;
     const bool existed = path and fs::remove( *path, error );
-    return Report( "deleteFile", inPath,
-        existed or error ? error : ErrorOf( std::errc::no_such_file_or_directory ) );
+    return Report( "deleteFile", inPath, existed or error ? error : ErrorOf( std::errc::no_such_file_or_directory ) );
 }
 
 bool createFolder( TextView inPath )
@@ -191,7 +193,7 @@ std::optional<Text> tempFileWithBasename( TextView inBasename, TextView extensio
         else if ( errno != EEXIST and errno != EINTR )
             error = std::error_code( errno, std::generic_category() );
     }
-    static_cast<void>( Report(
-        "tempFileWithBasename", inBasename, error ? error : ErrorOf( std::errc::file_exists ) ) );
+    static_cast<void>(
+        Report( "tempFileWithBasename", inBasename, error ? error : ErrorOf( std::errc::file_exists ) ) );
     return {};
 }

@@ -1,5 +1,6 @@
 #include "Utility/Text/NSStringRegularExpressions.h"
 
+#include "Utility/Work/Clock.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <algorithm>
@@ -14,6 +15,8 @@ namespace
 constexpr std::int32_t kTimeLimitTicks = 1000;
 constexpr std::int32_t kStackLimitBytes = 8 << 20;
 constexpr std::size_t kCacheLimit = 101;
+constexpr std::size_t kMaxSets = 2000, kMaxSetsIgnoringCase = 200;
+constexpr double kBaseSeconds = 1.0, kSecondsPerUnit = 1e-6;
 constexpr const char* kLogTag = "RegEx";
 
 std::uint32_t EngineFlags( RegexOptions inOptions )
@@ -47,6 +50,81 @@ TextView Shown( TextView inPattern )
 {
     return inPattern.substr( 0, 1000 );
 }
+
+bool IgnoresCase( TextView inPattern, RegexOptions inOptions )
+{
+    if ( inOptions & RegexOptions::kCaseInsensitive )
+        return true;
+    // As a flag, "(?i)" or "(?xi:" or "(?i-x:".
+    for ( std::size_t at = inPattern.find( u"(?" ); at != TextView::npos; at = inPattern.find( u"(?", at ) )
+    {
+        at += 2;
+        while ( at < inPattern.size() and inPattern[at] >= u'a' and inPattern[at] <= u'z' )
+        {
+            if ( inPattern[at++] == u'i' )
+                return true;
+        }
+    }
+    return false;
+}
+
+// Counted without parsing: an escaped bracket that is counted too is far from the limit.
+std::size_t CountSets( TextView inPattern )
+{
+    std::size_t count = 0;
+    for ( std::size_t i = 0; i < inPattern.size(); ++i )
+    {
+        const bool property = inPattern[i] == u'p' or inPattern[i] == u'P';
+        count += inPattern[i] == u'[' or ( property and i > 0 and inPattern[i - 1] == u'\\' );
+    }
+    return count;
+}
+
+// Why a pattern isn't even compiled; the engine has no limits of its own there.
+std::optional<Text> Refusal( TextView inPattern, RegexOptions inOptions )
+{
+    constexpr std::size_t kMaxLength = NSStringRegularExpressions::kMaxPatternLength;
+    if ( inPattern.size() > kMaxLength )
+        return kvr_format( u"it has %lu units, the limit is %lu", inPattern.size(), kMaxLength );
+    const std::size_t sets = CountSets( inPattern );
+    const std::size_t limit = IgnoresCase( inPattern, inOptions ) ? kMaxSetsIgnoringCase : kMaxSets;
+    if ( sets > limit and not( inOptions & RegexOptions::kIgnoreMetacharacters ) )
+        return kvr_format( u"it has %lu character sets, the limit is %lu", sets, limit );
+    return {};
+}
+
+// The limit of time for what the engine doesn't count.
+class Deadline
+{
+public:
+    explicit Deadline( std::size_t inTextLength )
+        : mEnd( XClock::Current().MonotonicSeconds() + kBaseSeconds + kSecondsPerUnit * double( inTextLength ) )
+    {}
+
+    void Install( URegularExpression* inMatcher, UErrorCode& ioStatus )
+    {
+        uregex_setMatchCallback( inMatcher, OnTick, this, &ioStatus );
+        uregex_setFindProgressCallback( inMatcher, OnStart, this, &ioStatus );
+    }
+
+private:
+    bool IsBefore() const { return XClock::Current().MonotonicSeconds() < mEnd; }
+
+    static UBool U_CALLCONV OnTick( const void* inDeadline, std::int32_t )
+    {
+        return static_cast<const Deadline*>( inDeadline )->IsBefore();
+    }
+
+    // Each place where a match could begin; most cost less than a look at the clock.
+    static UBool U_CALLCONV OnStart( const void* inDeadline, std::int64_t )
+    {
+        const auto* deadline = static_cast<const Deadline*>( inDeadline );
+        return ++deadline->mStarts % 1024 != 0 or deadline->IsBefore();
+    }
+
+    double mEnd;
+    mutable std::uint32_t mStarts = 0;
+};
 } // namespace
 
 // The engine's object holds both the pattern, which is shared, and the state of a match, which isn't: so the
@@ -54,23 +132,23 @@ TextView Shown( TextView inPattern )
 class XRegularExpression
 {
 public:
-    XRegularExpression( TextView inPattern, EngineRegex inEngine ) :
-        mPattern( inPattern ), mEngine( std::move( inEngine ) )
+    XRegularExpression( TextView inPattern, EngineRegex inEngine )
+        : mPattern( inPattern ),
+          mEngine( std::move( inEngine ) )
     {}
 
     static std::shared_ptr<const XRegularExpression> Compile(
         TextView inPattern, RegexOptions inOptions, Text& outError )
     {
-        if ( inPattern.size() > NSStringRegularExpressions::kMaxPatternLength )
+        if ( auto refusal = Refusal( inPattern, inOptions ) )
         {
-            outError = kvr_format( u"it has %lu units, the limit is %lu", inPattern.size(),
-                NSStringRegularExpressions::kMaxPatternLength );
+            outError = std::move( *refusal );
             return nullptr;
         }
         UErrorCode status = U_ZERO_ERROR;
         UParseError where{};
-        EngineRegex engine( uregex_open( inPattern.data(), std::int32_t( inPattern.size() ), EngineFlags( inOptions ),
-            &where, &status ) );
+        EngineRegex engine( uregex_open(
+            inPattern.data(), std::int32_t( inPattern.size() ), EngineFlags( inOptions ), &where, &status ) );
         if ( U_FAILURE( status ) )
         {
             outError = kvr_format( u"%s at line %d, offset %d", u_errorName( status ), where.line, where.offset );
@@ -106,8 +184,8 @@ public:
     std::optional<std::size_t> GetCaptureNamed( TextView inName ) const
     {
         UErrorCode status = U_ZERO_ERROR;
-        const std::int32_t number = uregex_groupNumberFromName(
-            mEngine.get(), inName.data(), std::int32_t( inName.size() ), &status );
+        const std::int32_t number =
+            uregex_groupNumberFromName( mEngine.get(), inName.data(), std::int32_t( inName.size() ), &status );
         return U_SUCCESS( status ) ? std::optional( std::size_t( number ) ) : std::nullopt;
     }
 
@@ -159,45 +237,32 @@ private:
     std::unordered_map<Text, RegexPointer> mEntries; // null for a pattern that failed
 };
 
-std::vector<std::optional<TextRange>> CapturesOf( URegularExpression* inMatcher, std::size_t inCaptureCount )
-{
-    std::vector<std::optional<TextRange>> captures( inCaptureCount + 1 );
-    for ( std::size_t i = 0; i <= inCaptureCount; ++i )
-    {
-        UErrorCode status = U_ZERO_ERROR;
-        const std::int32_t start = uregex_start( inMatcher, std::int32_t( i ), &status );
-        const std::int32_t end = uregex_end( inMatcher, std::int32_t( i ), &status );
-        if ( U_SUCCESS( status ) and start >= 0 )
-            captures[i] = TextRange{ std::size_t( start ), std::size_t( end - start ) };
-    }
-    return captures;
-}
+using Visitor = std::function<bool( const RegexMatch& inMatch )>;
 
-std::vector<RegexMatch> FindMatches( const XRegularExpression& inRegex, TextView inText,
-    std::optional<TextRange> inRange, std::size_t inMaximum )
+bool Enumerate(
+    const XRegularExpression& inRegex, TextView inText, std::optional<TextRange> inRange, const Visitor& inVisitor )
 {
-    std::vector<RegexMatch> matches;
     const EngineRegex matcher = inRegex.MakeMatcher( inText );
     if ( not matcher )
-        return matches;
+        return false;
     UErrorCode status = U_ZERO_ERROR;
+    Deadline deadline( inText.size() );
+    deadline.Install( matcher.get(), status );
     if ( inRange )
     {
         const TextRange range = inRange->ClippedTo( inText.size() );
         uregex_setRegion( matcher.get(), std::int32_t( range.mLocation ), std::int32_t( range.End() ), &status );
     }
-    const std::size_t captureCount = inRegex.GetCaptureCount();
-    while ( matches.size() < inMaximum and uregex_findNext( matcher.get(), &status ) and U_SUCCESS( status ) )
-        matches.emplace_back( inText, CapturesOf( matcher.get(), captureCount ) );
-    if ( U_FAILURE( status ) )
+    while ( uregex_findNext( matcher.get(), &status ) and U_SUCCESS( status ) )
     {
-        XErrorHandler::PrivateMaybeLogFormat( kLogTag,
-            "Stopped regular expression %@ on %lu characters (error: %s)", Shown( inRegex.GetPattern() ),
-            inText.size(), u_errorName( status ) );
-        // Half of the matches would make half of a replacement.
-        matches.clear();
+        if ( not inVisitor( RegexMatch( inText, matcher.get() ) ) )
+            return true;
     }
-    return matches;
+    if ( U_SUCCESS( status ) )
+        return true;
+    XErrorHandler::PrivateMaybeLogFormat( kLogTag, "Stopped regular expression %@ on %lu characters (error: %s)",
+        Shown( inRegex.GetPattern() ), inText.size(), u_errorName( status ) );
+    return false;
 }
 
 // A replacement text, taken apart once for all matches.
@@ -309,9 +374,8 @@ private:
     void TakeName()
     {
         const std::size_t end = mTemplate.find( u'}', mAt );
-        const auto capture = end == TextView::npos
-            ? std::nullopt
-            : mRegex.GetCaptureNamed( mTemplate.substr( mAt + 1, end - mAt - 1 ) );
+        const auto capture =
+            end == TextView::npos ? std::nullopt : mRegex.GetCaptureNamed( mTemplate.substr( mAt + 1, end - mAt - 1 ) );
         if ( not capture )
             return Literal( u'$' ); // no capture of that name: it stays as typed
         Capture( *capture );
@@ -329,54 +393,79 @@ private:
 // Every operation begins here, so that each call shows in the log. The text itself never does: it may be a secret.
 RegexPointer RegexFor( const char* inOperation, TextView inText, TextView inRegex, RegexOptions inOptions )
 {
-    XErrorHandler::PrivateMaybeLogFormat( kLogTag, "%s %@ options %ld on %lu characters", inOperation,
-        Shown( inRegex ), std::int64_t( inOptions ), inText.size() );
+    XErrorHandler::PrivateMaybeLogFormat( kLogTag, "%s %@ options %ld on %lu characters", inOperation, Shown( inRegex ),
+        std::int64_t( inOptions ), inText.size() );
     return NSStringRegularExpressions::RegularExpressionWithPattern( inRegex, inOptions );
 }
 
-std::vector<RegexMatch> Find( const char* inOperation, TextView inText, TextView inRegex, RegexOptions inOptions,
-    std::size_t inMaximum, std::optional<TextRange> inRange = {} )
+bool Enumerate( const char* inOperation, TextView inText, TextView inRegex, RegexOptions inOptions,
+    std::optional<TextRange> inRange, const Visitor& inVisitor )
 {
     const RegexPointer regex = RegexFor( inOperation, inText, inRegex, inOptions );
-    return regex ? FindMatches( *regex, inText, inRange, inMaximum ) : std::vector<RegexMatch>();
+    return not regex or Enumerate( *regex, inText, inRange, inVisitor );
 }
 
-constexpr std::size_t kAllMatches = std::size_t( -1 );
-
-// The text with its matches replaced; what the maker leaves alone isn't counted.
-template<class Maker>
-Text Replaced( TextView inText, const std::vector<RegexMatch>& inMatches, std::size_t& outCount, const Maker& inMaker )
+// Shows the first match only. A match that was found is whole, whatever limit lies ahead.
+void VisitFirst( const char* inOperation, TextView inText, TextView inRegex, RegexOptions inOptions,
+    std::optional<TextRange> inRange, const std::function<void( const RegexMatch& inMatch )>& inVisitor )
 {
+    static_cast<void>( Enumerate( inOperation, inText, inRegex, inOptions, inRange, [&]( const RegexMatch& inMatch ) {
+        inVisitor( inMatch );
+        return false;
+    } ) );
+}
+
+// Replaces in the text, unless the search is stopped on its way: half a replacement is worse than none. Gives the count
+// of replacements; a match that the maker leaves alone isn't one.
+std::size_t Replace( Text& ioText, const XRegularExpression& inRegex, std::optional<TextRange> inRange,
+    const RegexReplacementBlock& inMaker )
+{
+    const TextView text = ioText;
     Text result;
-    std::size_t at = 0;
-    outCount = 0;
-    for ( const RegexMatch& match : inMatches )
-    {
-        const std::optional<Text> replacement = inMaker( match );
-        if ( not replacement )
-            continue;
-        const TextRange range = match.GetRange();
-        result += inText.substr( at, range.mLocation - at );
-        result += *replacement;
-        at = range.End();
-        ++outCount;
-    }
-    result += inText.substr( at );
-    return result;
-}
-
-Text ReplacedByTemplate( const char* inOperation, TextView inText, TextView inRegex, TextView inTemplate,
-    RegexOptions inOptions, std::optional<TextRange> inRange, std::size_t& outCount )
-{
-    outCount = 0;
-    const RegexPointer regex = RegexFor( inOperation, inText, inRegex, inOptions );
-    if ( not regex )
-        return Text( inText );
-    const Template replacement( inTemplate, *regex );
-    return Replaced( inText, FindMatches( *regex, inText, inRange, kAllMatches ), outCount,
-        [&]( const RegexMatch& inMatch ) { return std::optional( replacement.For( inMatch ) ); } );
+    std::size_t at = 0, count = 0;
+    const bool whole = Enumerate( inRegex, text, inRange, [&]( const RegexMatch& inMatch ) {
+        if ( const std::optional<Text> replacement = inMaker( inMatch ) )
+        {
+            const TextRange range = inMatch.GetRange();
+            result += text.substr( at, range.mLocation - at );
+            result += *replacement;
+            at = range.End();
+            ++count;
+        }
+        return true;
+    } );
+    if ( not whole or count == 0 )
+        return 0;
+    result += text.substr( at );
+    ioText = std::move( result );
+    return count;
 }
 } // namespace
+
+std::optional<TextRange> RegexMatch::GetRange( std::size_t inCapture ) const
+{
+    auto* engine = static_cast<URegularExpression*>( mEngine );
+    if ( inCapture > GetCaptureCount() )
+        return {};
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t start = uregex_start( engine, std::int32_t( inCapture ), &status );
+    const std::int32_t end = uregex_end( engine, std::int32_t( inCapture ), &status );
+    if ( U_FAILURE( status ) or start < 0 )
+        return {};
+    return TextRange{ std::size_t( start ), std::size_t( end - start ) };
+}
+
+TextView RegexMatch::GetText( std::size_t inCapture ) const
+{
+    const auto range = GetRange( inCapture );
+    return range ? mText.substr( range->mLocation, range->mLength ) : TextView();
+}
+
+std::size_t RegexMatch::GetCaptureCount() const
+{
+    UErrorCode status = U_ZERO_ERROR;
+    return std::size_t( uregex_groupCount( static_cast<URegularExpression*>( mEngine ), &status ) );
+}
 
 std::shared_ptr<const XRegularExpression> NSStringRegularExpressions::RegularExpressionWithPattern(
     TextView inPattern, RegexOptions inOptions )
@@ -387,49 +476,56 @@ std::shared_ptr<const XRegularExpression> NSStringRegularExpressions::RegularExp
     return gCache.Get( inPattern, inOptions );
 }
 
-std::vector<RegexMatch> NSStringRegularExpressions::MatchesOfRegex( TextView inText, TextView inRegex,
-    RegexOptions inOptions, std::optional<TextRange> inRange, std::size_t inMaximum )
+bool NSStringRegularExpressions::EnumerateMatches( TextView inText, TextView inRegex, RegexOptions inOptions,
+    std::optional<TextRange> inRange, const std::function<bool( const RegexMatch& inMatch )>& inVisitor )
 {
-    return Find( "MatchesOfRegex", inText, inRegex, inOptions, inMaximum, inRange );
+    return Enumerate( "EnumerateMatches", inText, inRegex, inOptions, inRange, inVisitor );
 }
 
 bool isMatchedByRegex( TextView inText, TextView inRegex, RegexOptions inOptions )
 {
-    return not Find( "isMatchedByRegex", inText, inRegex, inOptions, 1 ).empty();
+    bool matched = false;
+    VisitFirst( "isMatchedByRegex", inText, inRegex, inOptions, {}, [&]( const RegexMatch& ) { matched = true; } );
+    return matched;
 }
 
-std::optional<TextRange> rangeOfRegex( TextView inText, TextView inRegex, RegexOptions inOptions,
-    std::optional<TextRange> inRange, std::size_t inCapture )
+std::optional<TextRange> rangeOfRegex(
+    TextView inText, TextView inRegex, RegexOptions inOptions, std::optional<TextRange> inRange, std::size_t inCapture )
 {
-    const auto matches = Find( "rangeOfRegex", inText, inRegex, inOptions, 1, inRange );
-    return matches.empty() ? std::nullopt : matches.front().GetRange( inCapture );
+    std::optional<TextRange> result;
+    VisitFirst( "rangeOfRegex", inText, inRegex, inOptions, inRange,
+        [&]( const RegexMatch& inMatch ) { result = inMatch.GetRange( inCapture ); } );
+    return result;
 }
 
-std::optional<Text> stringByMatching(
-    TextView inText, TextView inRegex, RegexOptions inOptions, std::size_t inCapture )
+std::optional<Text> stringByMatching( TextView inText, TextView inRegex, RegexOptions inOptions, std::size_t inCapture )
 {
-    const auto matches = Find( "stringByMatching", inText, inRegex, inOptions, 1 );
-    if ( matches.empty() or not matches.front().GetRange( inCapture ) )
-        return {};
-    return Text( matches.front().GetText( inCapture ) );
+    std::optional<Text> result;
+    VisitFirst( "stringByMatching", inText, inRegex, inOptions, {}, [&]( const RegexMatch& inMatch ) {
+        if ( inMatch.GetRange( inCapture ) )
+            result = inMatch.GetText( inCapture );
+    } );
+    return result;
 }
 
 std::vector<Text> stringsMatchedByRegex( TextView inText, TextView inRegex, RegexOptions inOptions )
 {
     std::vector<Text> result;
-    for ( const RegexMatch& match : Find( "stringsMatchedByRegex", inText, inRegex, inOptions, kAllMatches ) )
-        result.emplace_back( match.GetText() );
-    return result;
+    const bool whole =
+        Enumerate( "stringsMatchedByRegex", inText, inRegex, inOptions, {}, [&]( const RegexMatch& inMatch ) {
+            result.emplace_back( inMatch.GetText() );
+            return true;
+        } );
+    return whole ? std::move( result ) : std::vector<Text>();
 }
 
 std::vector<Text> captureComponentsMatchedByRegex( TextView inText, TextView inRegex, RegexOptions inOptions )
 {
     std::vector<Text> result;
-    for ( const RegexMatch& match : Find( "captureComponentsMatchedByRegex", inText, inRegex, inOptions, 1 ) )
-    {
-        for ( std::size_t i = 0; i <= match.GetCaptureCount(); ++i )
-            result.emplace_back( match.GetText( i ) );
-    }
+    VisitFirst( "captureComponentsMatchedByRegex", inText, inRegex, inOptions, {}, [&]( const RegexMatch& inMatch ) {
+        for ( std::size_t i = 0; i <= inMatch.GetCaptureCount(); ++i )
+            result.emplace_back( inMatch.GetText( i ) );
+    } );
     return result;
 }
 
@@ -437,14 +533,18 @@ std::vector<Text> componentsSeparatedByRegex( TextView inText, TextView inRegex,
 {
     std::vector<Text> result;
     std::size_t at = 0;
-    for ( const RegexMatch& match : Find( "componentsSeparatedByRegex", inText, inRegex, inOptions, kAllMatches ) )
-    {
-        const TextRange range = match.GetRange();
-        if ( range.mLength == 0 )
-            continue;
-        result.emplace_back( inText.substr( at, range.mLocation - at ) );
-        at = range.End();
-    }
+    const bool whole =
+        Enumerate( "componentsSeparatedByRegex", inText, inRegex, inOptions, {}, [&]( const RegexMatch& inMatch ) {
+            const TextRange range = inMatch.GetRange();
+            if ( range.mLength > 0 )
+            {
+                result.emplace_back( inText.substr( at, range.mLocation - at ) );
+                at = range.End();
+            }
+            return true;
+        } );
+    if ( not whole )
+        return { Text( inText ) };
     result.emplace_back( inText.substr( at ) );
     return result;
 }
@@ -452,35 +552,32 @@ std::vector<Text> componentsSeparatedByRegex( TextView inText, TextView inRegex,
 Text stringByReplacingOccurrencesOfRegex(
     TextView inText, TextView inRegex, TextView inTemplate, RegexOptions inOptions )
 {
-    std::size_t count = 0;
-    return ReplacedByTemplate(
-        "stringByReplacingOccurrencesOfRegex", inText, inRegex, inTemplate, inOptions, {}, count );
+    Text result( inText );
+    kvr_slow_replaceOccurrencesOfRegex( result, inRegex, inTemplate, inOptions );
+    return result;
 }
 
-Text kvr_stringByReplacingOccurrencesOfRegex( TextView inText, TextView inRegex,
-    const RegexReplacementBlock& withStringFromBlock, RegexOptions inOptions )
+Text kvr_stringByReplacingOccurrencesOfRegex(
+    TextView inText, TextView inRegex, const RegexReplacementBlock& withStringFromBlock, RegexOptions inOptions )
 {
-    std::size_t count = 0;
-    return Replaced( inText,
-        Find( "kvr_stringByReplacingOccurrencesOfRegex", inText, inRegex, inOptions, kAllMatches ), count,
-        withStringFromBlock );
+    Text result( inText );
+    kvr_slow_replaceOccurrencesOfRegex( result, inRegex, withStringFromBlock, inOptions );
+    return result;
 }
 
-std::size_t kvr_slow_replaceOccurrencesOfRegex( Text& ioText, TextView inRegex, TextView inTemplate,
+std::size_t kvr_slow_replaceOccurrencesOfRegex(
+    Text& ioText, TextView inRegex, TextView inTemplate, RegexOptions inOptions, std::optional<TextRange> inRange )
+{
+    const RegexPointer regex = RegexFor( "replaceOccurrencesOfRegex", ioText, inRegex, inOptions );
+    if ( not regex )
+        return 0;
+    const Template replacement( inTemplate, *regex );
+    return Replace( ioText, *regex, inRange, [&]( const RegexMatch& inMatch ) { return replacement.For( inMatch ); } );
+}
+
+std::size_t kvr_slow_replaceOccurrencesOfRegex( Text& ioText, TextView inRegex, const RegexReplacementBlock& usingBlock,
     RegexOptions inOptions, std::optional<TextRange> inRange )
 {
-    std::size_t count = 0;
-    ioText = ReplacedByTemplate(
-        "kvr_slow_replaceOccurrencesOfRegex", ioText, inRegex, inTemplate, inOptions, inRange, count );
-    return count;
-}
-
-std::size_t kvr_slow_replaceOccurrencesOfRegex( Text& ioText, TextView inRegex,
-    const RegexReplacementBlock& usingBlock, RegexOptions inOptions, std::optional<TextRange> inRange )
-{
-    std::size_t count = 0;
-    ioText = Replaced( ioText,
-        Find( "kvr_slow_replaceOccurrencesOfRegex", ioText, inRegex, inOptions, kAllMatches, inRange ), count,
-        usingBlock );
-    return count;
+    const RegexPointer regex = RegexFor( "replaceOccurrencesOfRegex", ioText, inRegex, inOptions );
+    return regex ? Replace( ioText, *regex, inRange, usingBlock ) : 0;
 }

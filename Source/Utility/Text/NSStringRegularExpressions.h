@@ -1,9 +1,13 @@
 // Regular expressions: ICU's syntax over UTF-16. Patterns are the user's and can be hostile, so
-// this layer owns every call of the engine and always sets its limits: a pattern has at most
-// 65,536 units, a call 1,000 ticks (counted steps, so that results don't depend on the machine)
-// and 8 MB of backtracking stack. A call that is stopped has no match, not even those found before,
-// and logs that under "RegEx"; so does each call when that log is on. An invalid pattern matches
-// nothing. Any thread.
+// this layer owns every call of the engine and always sets its limits:
+// - a pattern has at most 65,536 units and 2,000 character sets, 200 where it ignores case (closing
+//   a set over case is what compiling costs);
+// - a call takes at most 1,000 ticks, which count steps, so that results don't depend on the
+//   machine, and 8 MB of backtracking stack;
+// - where the engine doesn't count (long literals, back references), one second and a microsecond for
+//   each unit of the text.
+// A call that is stopped has no match, not even those found before, and logs that under "RegEx"; so
+// does each call when that log is on. An invalid pattern matches nothing. Any thread.
 #pragma once
 
 #include "CFMethods/Text.h"
@@ -38,32 +42,25 @@ constexpr bool operator&( RegexOptions a, RegexOptions b )
 /// A compiled pattern; immutable.
 class XRegularExpression;
 
-/// The captures of one match: the whole match first. A capture that took no part has no range.
+/// One match while it is looked at: captures are read out of the engine when they are asked for, so it doesn't
+/// outlive the call that gave it.
 class RegexMatch
 {
 public:
-    RegexMatch( TextView inText, std::vector<std::optional<TextRange>> inCaptures ) :
-        mText( inText ), mCaptures( std::move( inCaptures ) )
-    {}
+    RegexMatch( TextView inText, void* inEngine ) : mText( inText ), mEngine( inEngine ) {}
 
-    /// The number of captures beside the whole match.
-    [[nodiscard]] std::size_t GetCaptureCount() const { return mCaptures.size() - 1; }
-    [[nodiscard]] TextRange GetRange() const { return *mCaptures.front(); }
-    /// Absent for a capture that took no part or doesn't exist.
-    [[nodiscard]] std::optional<TextRange> GetRange( std::size_t inCapture ) const
-    {
-        return inCapture < mCaptures.size() ? mCaptures[inCapture] : std::nullopt;
-    }
-    /// The text of a capture, empty if it has none; a view into the text that was searched.
-    [[nodiscard]] TextView GetText( std::size_t inCapture = 0 ) const
-    {
-        const auto range = GetRange( inCapture );
-        return range ? mText.substr( range->mLocation, range->mLength ) : TextView();
-    }
+    /// The whole match.
+    [[nodiscard]] TextRange GetRange() const { return GetRange( 0 ).value_or( TextRange() ); }
+    /// A capture, counted from 1; absent if it took no part or doesn't exist.
+    [[nodiscard]] std::optional<TextRange> GetRange( std::size_t inCapture ) const;
+    /// Its text, empty if it has none; a view into the text that was searched.
+    [[nodiscard]] TextView GetText( std::size_t inCapture = 0 ) const;
+    /// How many captures the pattern has.
+    [[nodiscard]] std::size_t GetCaptureCount() const;
 
 private:
     TextView mText;
-    std::vector<std::optional<TextRange>> mCaptures;
+    void* mEngine;
 };
 
 namespace NSStringRegularExpressions
@@ -75,23 +72,22 @@ inline constexpr std::size_t kMaxPatternLength = 65536;
 [[nodiscard]] std::shared_ptr<const XRegularExpression> RegularExpressionWithPattern(
     TextView inPattern, RegexOptions inOptions = RegexOptions::kNone );
 
-/// All matches from left to right, at most that many. Ranges count in the whole text, also when only a range of it
-/// is searched; its ends count as ends of the text then.
-[[nodiscard]] std::vector<RegexMatch> MatchesOfRegex( TextView inText, TextView inRegex,
-    RegexOptions inOptions = RegexOptions::kNone, std::optional<TextRange> inRange = {},
-    std::size_t inMaximum = std::size_t( -1 ) );
+/// Shows the matches from left to right until the visitor answers false. Ranges count in the whole text, also when
+/// only a range of it is searched; the ends of that range count as ends of the text. False when the
+/// search was stopped by a limit: what was seen of it is void then.
+[[nodiscard]] bool EnumerateMatches( TextView inText, TextView inRegex, RegexOptions inOptions,
+    std::optional<TextRange> inRange, const std::function<bool( const RegexMatch& inMatch )>& inVisitor );
 } // namespace NSStringRegularExpressions
 
-[[nodiscard]] bool isMatchedByRegex(
-    TextView inText, TextView inRegex, RegexOptions inOptions = RegexOptions::kNone );
+[[nodiscard]] bool isMatchedByRegex( TextView inText, TextView inRegex, RegexOptions inOptions = RegexOptions::kNone );
 
 /// Where the capture of the first match lies; absent without a match, and for a capture that took no part.
 [[nodiscard]] std::optional<TextRange> rangeOfRegex( TextView inText, TextView inRegex,
     RegexOptions inOptions = RegexOptions::kNone, std::optional<TextRange> inRange = {}, std::size_t inCapture = 0 );
 
 /// The capture's text in the first match, or absent as above.
-[[nodiscard]] std::optional<Text> stringByMatching( TextView inText, TextView inRegex,
-    RegexOptions inOptions = RegexOptions::kNone, std::size_t inCapture = 0 );
+[[nodiscard]] std::optional<Text> stringByMatching(
+    TextView inText, TextView inRegex, RegexOptions inOptions = RegexOptions::kNone, std::size_t inCapture = 0 );
 
 /// The text of each match.
 [[nodiscard]] std::vector<Text> stringsMatchedByRegex(
@@ -120,6 +116,5 @@ using RegexReplacementBlock = std::function<std::optional<Text>( const RegexMatc
 /// The same in place, in a range. Gives the number of replacements.
 std::size_t kvr_slow_replaceOccurrencesOfRegex( Text& ioText, TextView inRegex, TextView inTemplate,
     RegexOptions inOptions = RegexOptions::kNone, std::optional<TextRange> inRange = {} );
-std::size_t kvr_slow_replaceOccurrencesOfRegex( Text& ioText, TextView inRegex,
-    const RegexReplacementBlock& usingBlock, RegexOptions inOptions = RegexOptions::kNone,
-    std::optional<TextRange> inRange = {} );
+std::size_t kvr_slow_replaceOccurrencesOfRegex( Text& ioText, TextView inRegex, const RegexReplacementBlock& usingBlock,
+    RegexOptions inOptions = RegexOptions::kNone, std::optional<TextRange> inRange = {} );

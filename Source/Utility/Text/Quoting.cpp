@@ -16,14 +16,22 @@ char16_t JavaScriptEscape( char16_t inUnit )
     switch ( inUnit )
     {
     case u'"':
-    case u'\\': return inUnit;
-    case u'\b': return u'b';
-    case u'\t': return u't';
-    case u'\n': return u'n';
-    case u'\v': return u'v';
-    case u'\f': return u'f';
-    case u'\r': return u'r';
-    default: return 0;
+    case u'\\':
+        return inUnit;
+    case u'\b':
+        return u'b';
+    case u'\t':
+        return u't';
+    case u'\n':
+        return u'n';
+    case u'\v':
+        return u'v';
+    case u'\f':
+        return u'f';
+    case u'\r':
+        return u'r';
+    default:
+        return 0;
     }
 }
 } // namespace

@@ -16,12 +16,10 @@ constexpr std::size_t kMaxRepeatedLength = std::size_t( 1 ) << 28;
 // True where a cut would part a surrogate pair.
 bool CutsPair( TextView inText, std::size_t inAt )
 {
-    return inAt > 0 and inAt < inText.size() and IsHighSurrogate( inText[inAt - 1] ) and
-        IsLowSurrogate( inText[inAt] );
+    return inAt > 0 and inAt < inText.size() and IsHighSurrogate( inText[inAt - 1] ) and IsLowSurrogate( inText[inAt] );
 }
 
-using CaseMapping = std::int32_t ( * )(
-    UChar*, std::int32_t, const UChar*, std::int32_t, const char*, UErrorCode* );
+using CaseMapping = std::int32_t ( * )( UChar*, std::int32_t, const UChar*, std::int32_t, const char*, UErrorCode* );
 
 Text MappedCase( TextView inText, CaseMapping inMapping )
 {
@@ -30,8 +28,8 @@ Text MappedCase( TextView inText, CaseMapping inMapping )
     {
         // The root locale: a Turkish system must not turn a keyword's I into a dotless one.
         UErrorCode status = U_ZERO_ERROR;
-        const auto length = std::size_t( inMapping( result.data(), std::int32_t( result.size() ), inText.data(),
-            std::int32_t( inText.size() ), "", &status ) );
+        const auto length = std::size_t( inMapping(
+            result.data(), std::int32_t( result.size() ), inText.data(), std::int32_t( inText.size() ), "", &status ) );
         const bool fits = length <= result.size();
         result.resize( length );
         if ( fits )
@@ -63,11 +61,16 @@ int ModifierRank( char16_t inUnit )
 {
     switch ( inUnit )
     {
-    case 0x2303: return 1; // Control
-    case 0x2325: return 2; // Option
-    case 0x21E7: return 3; // Shift
-    case 0x2318: return 4; // Command
-    default: return 0;
+    case 0x2303:
+        return 1; // Control
+    case 0x2325:
+        return 2; // Option
+    case 0x21E7:
+        return 3; // Shift
+    case 0x2318:
+        return 4; // Command
+    default:
+        return 0;
     }
 }
 

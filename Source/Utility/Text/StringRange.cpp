@@ -37,12 +37,15 @@ int CountTypeValues( StringRangeType inType )
 {
     switch ( inType )
     {
-    case StringRangeType::kAll: return 0;
+    case StringRangeType::kAll:
+        return 0;
     case StringRangeType::kTo:
     case StringRangeType::kFrom:
-    case StringRangeType::kLast: return 1;
+    case StringRangeType::kLast:
+        return 1;
     case StringRangeType::kRange:
-    case StringRangeType::kFromTo: return 2;
+    case StringRangeType::kFromTo:
+        return 2;
     }
     return 0;
 }
@@ -73,12 +76,24 @@ bool StringRange::FindMatch( TextRange& outRange, StringRangeType inType, TextVi
     const auto length = std::int64_t( inText.size() );
     switch ( t )
     {
-    case StringRangeType::kAll: outRange = RangeInside( 0, length, length ); break;
-    case StringRangeType::kTo: outRange = RangeInside( 0, n, length ); break;
-    case StringRangeType::kFrom: outRange = RangeInside( n - 1, length - n + 1, length ); break;
-    case StringRangeType::kLast: outRange = RangeInside( length - n, n, length ); break;
-    case StringRangeType::kRange: outRange = RangeInside( n - 1, m, length ); break;
-    case StringRangeType::kFromTo: outRange = RangeInside( n - 1, m - n + 1, length ); break;
+    case StringRangeType::kAll:
+        outRange = RangeInside( 0, length, length );
+        break;
+    case StringRangeType::kTo:
+        outRange = RangeInside( 0, n, length );
+        break;
+    case StringRangeType::kFrom:
+        outRange = RangeInside( n - 1, length - n + 1, length );
+        break;
+    case StringRangeType::kLast:
+        outRange = RangeInside( length - n, n, length );
+        break;
+    case StringRangeType::kRange:
+        outRange = RangeInside( n - 1, m, length );
+        break;
+    case StringRangeType::kFromTo:
+        outRange = RangeInside( n - 1, m - n + 1, length );
+        break;
     }
     return true;
 }

@@ -11,8 +11,7 @@
 #include <span>
 
 enum class StringRangeType { kAll, kTo, kFrom, kLast, kRange, kFromTo };
-inline constexpr std::u16string_view kStringRangeTypeNames[] = {
-    u"All", u"To", u"From", u"Last", u"Range", u"FromTo" };
+inline constexpr std::u16string_view kStringRangeTypeNames[] = { u"All", u"To", u"From", u"Last", u"Range", u"FromTo" };
 static_assert( std::size( kStringRangeTypeNames ) == std::size_t( StringRangeType::kFromTo ) + 1 );
 constexpr auto NamesOf( StringRangeType )
 {

@@ -71,8 +71,8 @@ public:
         if ( not mCollator )
             return caseInsensitiveCompare( inText, inOther );
         UErrorCode status = U_ZERO_ERROR;
-        return mCollator->compare( inText.data(), std::int32_t( inText.size() ), inOther.data(),
-            std::int32_t( inOther.size() ), status );
+        return mCollator->compare(
+            inText.data(), std::int32_t( inText.size() ), inOther.data(), std::int32_t( inOther.size() ), status );
     }
 
 private:
