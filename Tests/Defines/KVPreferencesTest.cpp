@@ -80,8 +80,15 @@ __SafeCFPropertyList Integer( std::int64_t inValue )
     return __SafeCFPropertyList::Integer( inValue );
 }
 
+/// Many writes without waiting for a disk: what they leave is looked at by the same kernel.
+class UnflushedCalls : public XFileCalls
+{
+public:
+    int FSync( int ) override { return 0; }
+};
+
 /// Calls of which every write fails while told so, as on a full disk.
-class FullDisk final : public XFileCalls
+class FullDisk final : public UnflushedCalls
 {
 public:
     std::ptrdiff_t Write( int inFile, std::span<const std::uint8_t> inBytes ) override
@@ -267,14 +274,17 @@ TEST( KVPreferences, AutoShowIsOneSettingOverTwo )
 TEST( KVPreferenceDomain, EachReadSeesWhatAnotherWroteLast )
 {
     const ScratchFolder folder;
-    KVPreferenceDomain ours( folder / "d.plist" ), theirs( folder / "d.plist" );
+    UnflushedCalls calls;
+    KVPreferenceDomain ours( folder / "d.plist", calls ), theirs( folder / "d.plist", calls );
     EXPECT_FALSE( ours.Get( CFSTR( "Key" ) ) );
     // Many in a row, of one length, within a tick of the file system's clock.
     for ( int i = 100; i < 300; ++i )
     {
         ASSERT_TRUE( theirs.Set( CFSTR( "Key" ), Integer( i ) ) );
         if ( i % 2 )
+        {
             ASSERT_EQ( ours.Get( CFSTR( "Key" ) ), Integer( i ) );
+        }
     }
     fs::remove( folder / "d.plist" );
     EXPECT_FALSE( ours.Get( CFSTR( "Key" ) ) );
@@ -283,7 +293,8 @@ TEST( KVPreferenceDomain, EachReadSeesWhatAnotherWroteLast )
 TEST( KVPreferenceDomain, TwoProcessesAndTwoThreadsLoseNothing )
 {
     const ScratchFolder folder;
-    constexpr int kCount = 60;
+    UnflushedCalls calls;
+    constexpr int kCount = 300;
     const auto setMany = [&]( KVPreferenceDomain& ioDomain, const std::string& inPrefix ) {
         bool isDone = true;
         for ( int i = 0; i < kCount; ++i )
@@ -293,10 +304,10 @@ TEST( KVPreferenceDomain, TwoProcessesAndTwoThreadsLoseNothing )
     const pid_t other = ::fork();
     if ( other == 0 )
     {
-        KVPreferenceDomain domain( folder / "d.plist" );
+        KVPreferenceDomain domain( folder / "d.plist", calls );
         ::_exit( setMany( domain, "other" ) ? 0 : 1 );
     }
-    KVPreferenceDomain domain( folder / "d.plist" );
+    KVPreferenceDomain domain( folder / "d.plist", calls );
     {
         std::jthread thread( [&] { EXPECT_TRUE( setMany( domain, "second" ) ); } );
         EXPECT_TRUE( setMany( domain, "first" ) );

@@ -93,7 +93,8 @@ TEST( XApplicationIdentifier, AReferenceIsReplacedOnlyByOneThatIsFound )
         EXPECT_EQ( XApplicationIdentifier::CreateFromPropertyList( stored ).GetFile(), String( saved ) );
     }
     // Without a reference none is made up.
-    const auto none = XApplicationIdentifier::CreateFromPropertyList( Dictionary( { { "Name", String( u"Known" ) } } ) );
+    const auto none =
+        XApplicationIdentifier::CreateFromPropertyList( Dictionary( { { "Name", String( u"Known" ) } } ) );
     EXPECT_FALSE( none.GetFile() );
 
     EXPECT_EQ( XApplicationIdentifier( u"Shown", u"com.example.Known" ).GetDisplayName(), u"Shown" );

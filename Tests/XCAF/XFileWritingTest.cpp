@@ -1,7 +1,8 @@
-#include "Tests/XCAF/ScratchFolder.h"
 #include "XCAF/XFileWriting.h"
+#include "Tests/XCAF/ScratchFolder.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -74,7 +75,8 @@ public:
             inBytes = inBytes.first( std::min<std::size_t>( inBytes.size(), 3 ) );
         return Fails( "write" ) ? -1 : XFileCalls::Write( inFile, inBytes );
     }
-    int FSync( int inFile ) override { return Fails( "fsync" ) ? -1 : XFileCalls::FSync( inFile ); }
+    // No disk to wait for: what is left is looked at by the same kernel.
+    int FSync( int ) override { return Fails( "fsync" ) ? -1 : 0; }
     int ChangeMode( int inFile, std::uint32_t inMode ) override
     {
         return Fails( "fchmod" ) ? -1 : XFileCalls::ChangeMode( inFile, inMode );
@@ -230,37 +232,40 @@ TEST( XAtomicFile, TheFileIsFlushedBeforeItIsRenamedAndTheFolderAfterwards )
     EXPECT_EQ( order, ( std::vector<std::string>{ "write", "fsync", "rename", "fsync" } ) );
 }
 
+namespace
+{
+/// Writes with the n-th call failing and checks what is left. False when no call failed.
+bool WriteWithFailure( const Scenario& inScenario, Mode inMode, int inCode, int inCall )
+{
+    const Stage stage( inScenario );
+    FailingCalls calls( inCall, inMode, inCode );
+    calls.mShortWrites = true;
+    const auto error = XAtomicFile::Write( stage.File(), Bytes( kNew ), XAtomicFile::Links::kKeep, calls );
+    SCOPED_TRACE( std::string( inScenario.mName ) + ", call " + std::to_string( inCall ) + ": " +
+        ( error ? error->Describe() : "no error" ) );
+
+    // After the rename there is only the flush of the folder, and no way back.
+    const bool isNew = not error or error->mCall == "sync folder";
+    EXPECT_EQ( Content( stage.mTarget ), isNew ? kNew : inScenario.mExists ? "old bytes" : "" );
+    EXPECT_EQ( stage.AllNames().size(), stage.mBefore.size() + ( isNew and not inScenario.mExists ? 1 : 0 ) );
+    EXPECT_EQ( fs::is_symlink( stage.File() ), inScenario.mIsLink );
+    // Only closing the folder again, the last call, may fail and do no harm.
+    EXPECT_TRUE( error or ( calls.mCount == inCall and calls.mLog.back() == "close" ) );
+    EXPECT_EQ( error ? error->mCode : inCode, inCode );
+    return error.has_value();
+}
+} // namespace
+
 TEST( XAtomicFile, EachFailingCallLeavesOldOrNewBytesAndNoTemporaryFile )
 {
     for ( const auto& scenario : kScenarios )
         for ( const Mode mode : { Mode::kOnce, Mode::kFromThenOn } )
             for ( const int code : { ENOSPC, EIO, EDQUOT, EACCES, EROFS, EMFILE } )
             {
-                bool hasFailed = true;
-                for ( int n = 1; hasFailed; ++n )
-                {
-                    ASSERT_LT( n, 100 );
-                    const Stage stage( scenario );
-                    FailingCalls calls( n, mode, code );
-                    calls.mShortWrites = true;
-                    const auto error =
-                        XAtomicFile::Write( stage.File(), Bytes( kNew ), XAtomicFile::Links::kKeep, calls );
-                    hasFailed = error.has_value();
-                    const std::string where = std::string( scenario.mName ) + " call " + std::to_string( n ) + " " +
-                        ( calls.mCount >= n ? calls.mLog[std::size_t( n - 1 )] : "none" );
-                    const bool onlyFolderFlushFailed = hasFailed and error->mCall == "sync folder";
-                    const bool isNew = not hasFailed or onlyFolderFlushFailed;
-                    EXPECT_EQ( Content( stage.mTarget ), isNew ? kNew : scenario.mExists ? "old bytes" : "" ) << where;
-                    if ( scenario.mExists )
-                        EXPECT_EQ( stage.AllNames(), stage.mBefore ) << where;
-                    else
-                        EXPECT_EQ( stage.AllNames().size(), stage.mBefore.size() + ( isNew ? 1 : 0 ) ) << where;
-                    EXPECT_EQ( fs::is_symlink( stage.File() ), scenario.mIsLink ) << where;
-                    // A call that fails is either reported or, a late one, was never made.
-                    EXPECT_EQ( hasFailed, calls.mCount >= n ) << where;
-                    if ( hasFailed )
-                        EXPECT_EQ( error->mCode, code ) << where;
-                }
+                int call = 1;
+                while ( WriteWithFailure( scenario, mode, code, call ) )
+                    ASSERT_LT( ++call, 100 );
+                EXPECT_GT( call, 10 ); // open, writes, flushes, closes, rename
             }
 }
 
@@ -327,6 +332,7 @@ TEST( ReadWholeFile, ReadsAPipeToItsEndWithinTheLimit )
         {
             // Only calls that are safe after a fork; the reader may be gone before the end.
             ::signal( SIGPIPE, SIG_IGN );
+            ::close( ends[0] );
             char block[1000];
             std::fill( std::begin( block ), std::end( block ), 'y' );
             for ( int i = 0; i < 300 and ::write( ends[1], block, sizeof( block ) ) > 0; ++i )

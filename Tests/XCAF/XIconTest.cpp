@@ -175,8 +175,8 @@ TEST( XIcon, AnImageIsSavedAsItsBytesUnlessOnlyTextsAreWanted )
 
 TEST( XIcon, WhatIsNoSavedFormGivesAnUndefinedIcon )
 {
-    const __SafeCFPropertyList kValues[] = { Saved( u"" ), Saved( u"Folder" ), Saved( u"kvep-Folder" ), Saved( u"KVEC" ),
-        Saved( u"KVEP" ), __SafeCFPropertyList::Integer( 5 ), nullptr };
+    const __SafeCFPropertyList kValues[] = { Saved( u"" ), Saved( u"Folder" ), Saved( u"kvep-Folder" ),
+        Saved( u"KVEC" ), Saved( u"KVEP" ), __SafeCFPropertyList::Integer( 5 ), nullptr };
     for ( const auto& value : kValues )
         EXPECT_FALSE( XIcon::FromSavedData( value ).Defined() );
     EXPECT_FALSE( XIcon().GetSavedData() );
@@ -209,10 +209,13 @@ TEST( XIcon, KeyboardLayoutsAreSharedOnceCached )
 {
     const Text kLayouts[] = { u"com.example.German", u"com.example.French" };
     XIcon::CacheAllKeyboardLayoutIcons( kLayouts );
-    EXPECT_EQ( XIcon( XIconKeyboardLayout(), u"com.example.German" ).GetKeyboardLayout().GetUTF8(), "com.example.German" );
-    EXPECT_EQ( XIcon( XIconKeyboardLayout(), u"com.example.Greek" ).GetKeyboardLayout().GetUTF8(), "com.example.Greek" );
+    EXPECT_EQ(
+        XIcon( XIconKeyboardLayout(), u"com.example.German" ).GetKeyboardLayout().GetUTF8(), "com.example.German" );
+    EXPECT_EQ(
+        XIcon( XIconKeyboardLayout(), u"com.example.Greek" ).GetKeyboardLayout().GetUTF8(), "com.example.Greek" );
     XIcon::CacheAllKeyboardLayoutIcons( {} );
-    EXPECT_EQ( XIcon( XIconKeyboardLayout(), u"com.example.German" ).GetSavedData(), Saved( u"KVKL-com.example.German" ) );
+    EXPECT_EQ(
+        XIcon( XIconKeyboardLayout(), u"com.example.German" ).GetSavedData(), Saved( u"KVKL-com.example.German" ) );
 }
 
 TEST( XColor, KeepsItsTextAndReadsFourNumbers )
