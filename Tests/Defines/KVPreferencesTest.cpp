@@ -2,7 +2,7 @@
 
 #include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVPreferenceDomain.h"
-#include "Tests/XCAF/ScratchFolder.h"
+#include "Tests/Support/ScratchFolder.h"
 #include "Utility/Work/Clock.h"
 #include "Utility/Work/Random.h"
 
