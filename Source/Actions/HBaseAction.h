@@ -16,24 +16,10 @@
 #include <vector>
 
 class StringSearchee;
-class StringSearcher;
 class XIcon;
 
 /// Whether the steps that a recording added are saved with an action.
 enum class RecordedDetails : bool { kNo, kYes };
-
-/// The container into which a selection of actions is moved.
-enum class EngroupSelection : std::int32_t {
-    kFor,
-    kGroup,
-    kIfThen,
-    kIfElse,
-    kRepeat,
-    kSwitch,
-    kUntil,
-    kWhile,
-    kNewMacro,
-};
 
 class HBaseAction
 {
@@ -158,11 +144,6 @@ public:
 
     // Searching
 
-    /// True for an empty search as well.
-    [[nodiscard]] bool MatchesTextSearch( const StringSearcher& inSearcher ) const;
-    /// Does a container match by its own words, without its children's? True for an action without
-    /// children; false without the flag.
-    [[nodiscard]] bool MatchesTextSearchJustContainer( bool inFlag, const StringSearcher& inSearcher ) const;
     virtual void AddMatchStrings( StringSearchee& ioSearchee ) const;
     virtual void AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const;
 
@@ -213,5 +194,5 @@ public:
     }
 };
 
-/// The table `kHActionTypeNames`' partner: the key of a type's title, to be localised; null for no type.
+/// The key of a type's title, to be localised; "" for a number that is no type.
 [[nodiscard]] Text kHotKeyActionName( HActionType inType );

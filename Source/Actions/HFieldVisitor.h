@@ -141,6 +141,10 @@ public:
     [[nodiscard]] virtual bool IsReading() const { return false; }
     /// Reading only: is the key there, whatever its value?
     [[nodiscard]] virtual bool HasKey( HFieldKey ) const { return false; }
+    /// Reading only: the value of a key was set right by whoever described it.
+    virtual void NoteRepair( HFieldKey, TextView ) const {}
+    /// Reading only: an older key was read by whoever described the field.
+    virtual void NoteOlderKey( HFieldKey, HFieldKey ) const {}
 
 private:
     virtual void NameIndex( HFieldKey inKey, std::size_t& ioIndex, std::span<const TextView> inNames,

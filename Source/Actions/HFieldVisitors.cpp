@@ -20,17 +20,6 @@ namespace
     throw XException( TextView( message ), __FILE__, __LINE__ );
 }
 
-void NoteRepair( const XPlistDictionary& inDictionary, const HFieldKey& inKey, const char* inExpected )
-{
-    if ( MLoadObserver* observer = MLoadObserver::Current() )
-    {
-        const XPlistNode* found = inDictionary.Find( inKey.Key() );
-        observer->DidRepair( inDictionary, inKey.Key(),
-            kvr_format(
-                "is a %s that can't be read as a %s; the default stands", NameOf( found->GetType() ), inExpected ) );
-    }
-}
-
 const char* WordFor( const bool& )
 {
     return "boolean";
@@ -68,9 +57,29 @@ bool HReadingVisitor::Read( HFieldKey inKey, AValue& ioValue, const char* inRequ
         return true;
     if ( inRequiredAs )
         ThrowUnread( inKey, inRequiredAs );
-    if ( MLoadObserver::Current() and HasKey( inKey ) )
-        NoteRepair( mDictionary, inKey, WordFor( ioValue ) );
+    NoteWrongType( inKey, WordFor( ioValue ) );
     return false;
+}
+
+void HReadingVisitor::NoteWrongType( HFieldKey inKey, const char* inExpected ) const
+{
+    const XPlistNode* found = MLoadObserver::Current() ? mDictionary.Find( inKey.Key() ) : nullptr;
+    if ( found )
+        NoteRepair( inKey,
+            kvr_format(
+                "is a %s that can't be read as a %s; the default stands", NameOf( found->GetType() ), inExpected ) );
+}
+
+void HReadingVisitor::NoteRepair( HFieldKey inKey, TextView inReason ) const
+{
+    if ( MLoadObserver* observer = MLoadObserver::Current() )
+        observer->DidRepair( mDictionary, inKey.Key(), inReason );
+}
+
+void HReadingVisitor::NoteOlderKey( HFieldKey inOlder, HFieldKey inCurrent ) const
+{
+    if ( MLoadObserver* observer = MLoadObserver::Current() )
+        observer->DidReadOlderKey( mDictionary, inOlder.Key(), inCurrent.Key() );
 }
 
 void HReadingVisitor::Boolean( HFieldKey inKey, bool& ioValue, const HBooleanOptions& inOptions )
@@ -79,8 +88,7 @@ void HReadingVisitor::Boolean( HFieldKey inKey, bool& ioValue, const HBooleanOpt
         return;
     if ( inOptions.mOlderKey.IsSet() and mDictionary.Get( inOptions.mOlderKey.Key(), ioValue ) )
     {
-        if ( MLoadObserver* observer = MLoadObserver::Current() )
-            observer->DidReadOlderKey( mDictionary, inOptions.mOlderKey.Key(), inKey.Key() );
+        NoteOlderKey( inOptions.mOlderKey, inKey );
         return;
     }
     ioValue = inOptions.mWhenMissing.value_or( ioValue );
@@ -133,8 +141,7 @@ bool HReadingVisitor::ReadOlderText( HFieldKey inOlder, HFieldKey inCurrent, XTe
     }
     else if ( not mDictionary.Get( inOlder.Key(), outValue ) )
         return false;
-    if ( MLoadObserver* observer = MLoadObserver::Current() )
-        observer->DidReadOlderKey( mDictionary, inOlder.Key(), inCurrent.Key() );
+    NoteOlderKey( inOlder, inCurrent );
     return true;
 }
 
@@ -172,12 +179,10 @@ void HReadingVisitor::NameIndex(
         }
     }
     ioIndex = inWhenMissing;
-    if ( MLoadObserver* observer = HasKey( inKey ) ? MLoadObserver::Current() : nullptr )
-    {
-        observer->DidRepair( mDictionary, inKey.Key(),
-            name ? kvr_format( "“%@” is no name that this key knows; %@ stands", name->GetText(), inNames[ioIndex] )
-                 : kvr_format( "isn't a string; %@ stands", inNames[ioIndex] ) );
-    }
+    if ( MLoadObserver::Current() and HasKey( inKey ) )
+        NoteRepair( inKey,
+            name ? kvr_format( u"“%@” is no name that this key knows; %@ stands", name->GetText(), inNames[ioIndex] )
+                 : kvr_format( u"isn't a string; %@ stands", inNames[ioIndex] ) );
 }
 
 // Saving

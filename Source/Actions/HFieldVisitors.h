@@ -26,6 +26,8 @@ public:
 
     [[nodiscard]] bool IsReading() const override { return true; }
     [[nodiscard]] bool HasKey( HFieldKey inKey ) const override { return mDictionary.Contains( inKey.Key() ); }
+    void NoteRepair( HFieldKey inKey, TextView inReason ) const override;
+    void NoteOlderKey( HFieldKey inOlder, HFieldKey inCurrent ) const override;
 
 private:
     void NameIndex( HFieldKey inKey, std::size_t& ioIndex, std::span<const TextView> inNames, std::size_t inWhenMissing,
@@ -34,6 +36,7 @@ private:
     bool Read( HFieldKey inKey, AValue& ioValue, const char* inRequiredAs );
     void ReadText( HFieldKey inKey, XText& ioValue, const HTextOptions& inOptions, bool inOlderIsNumber );
     bool ReadOlderText( HFieldKey inOlder, HFieldKey inCurrent, XText& outValue, bool inIsNumber );
+    void NoteWrongType( HFieldKey inKey, const char* inExpected ) const;
 
     const XPlistDictionary& mDictionary;
 };

@@ -1,0 +1,32 @@
+// What actions that hold one list of actions share.
+#pragma once
+
+#include "Actions/HAppleScriptActionList.h"
+#include "Actions/HBaseAction.h"
+
+class HOneListAction : public HBaseAction, public HAppleScriptActionList
+{
+public:
+    [[nodiscard]] bool HasSubActions() const override { return true; }
+    [[nodiscard]] bool IsEmptyOfActions() const override;
+    void DoForEverySubAction( const HActionList::Block& inBlock ) const override;
+    void AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const override;
+
+    [[nodiscard]] std::shared_ptr<HActionList> GetActionList() const override { return mActions.GetShared(); }
+    [[nodiscard]] bool GetActionListDisclosed() const override { return mActions.mDisclosed; }
+    void SetActionListDisclosed( bool inDisclosed ) override { mActions.mDisclosed = inDisclosed; }
+
+protected:
+    /// "Actions" and "ActionListDisclosed".
+    void DescribeActions( HFieldVisitor& inVisitor );
+
+    HActions mActions;
+};
+
+/// One that is run more than once, and is found as a loop.
+class HLoopAction : public HOneListAction
+{
+public:
+    [[nodiscard]] bool IsLoop() const override { return true; }
+    [[nodiscard]] std::vector<Text> GetAddActionByNameExtraSearchString() const override { return { u"loop" }; }
+};

@@ -1,0 +1,261 @@
+#include "Actions/FlowControlActions.h"
+
+#include "Actions/HFieldVisitors.h"
+#include "Utility/Search/StringSearchee.h"
+#include "Utility/Text/Localization.h"
+
+#include <charconv>
+#include <optional>
+
+namespace
+{
+// "hkSemaphore%@Title" and its like: a key whose middle is a stored name.
+Text KeyWith( TextView inBefore, TextView inName, TextView inAfter )
+{
+    Text key( inBefore );
+    key += inName;
+    key += inAfter;
+    return key;
+}
+
+// A plain number, such as a recording writes; a calculation isn't one.
+std::optional<double> PlainNumber( const XText& inText )
+{
+    const std::string text = inText.GetUTF8();
+    double number = 0;
+    const auto [end, error] = std::from_chars( text.data(), text.data() + text.size(), number );
+    if ( error != std::errc() or end != text.data() + text.size() or not( number >= 0 and number < 1e12 ) )
+        return {};
+    return number;
+}
+
+// The description of an action that is decided by conditions: what it does without any, or a format
+// with the conditions in words.
+Text ConditionalDescription( const CConditionList& inConditions, TextView inEmptyKey, TextView inFormatKey )
+{
+    if ( inConditions.Empty() )
+        return kvr_localized( inEmptyKey );
+    return kvr_localizedFormat( inFormatKey, TextView( inConditions.GetConditionDisplayText() ) );
+}
+} // namespace
+
+// What containers share
+
+bool HOneListAction::IsEmptyOfActions() const
+{
+    return mActions.GetList().Empty();
+}
+
+void HOneListAction::DoForEverySubAction( const HActionList::Block& inBlock ) const
+{
+    mActions.GetList().DoForEveryActionAndSubAction( inBlock );
+}
+
+void HOneListAction::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const
+{
+    mActions.GetList().AddMatchStrings( ioSearchee );
+}
+
+void HOneListAction::DescribeActions( HFieldVisitor& inVisitor )
+{
+    inVisitor.Actions( "Actions", "ActionListDisclosed", mActions );
+}
+
+// If Then Else
+
+void AIfThenElse::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    inVisitor.Actions( "ThenActions", "ThenActionListDisclosed", mThenActions );
+    inVisitor.Actions( "ElseActions", "ElseActionListDisclosed", mElseActions );
+}
+
+bool AIfThenElse::IsEmptyOfActions() const
+{
+    return mThenActions.GetList().Empty() and mElseActions.GetList().Empty();
+}
+
+void AIfThenElse::DoForEverySubAction( const HActionList::Block& inBlock ) const
+{
+    mThenActions.GetList().DoForEveryActionAndSubAction( inBlock );
+    mElseActions.GetList().DoForEveryActionAndSubAction( inBlock );
+}
+
+void AIfThenElse::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const
+{
+    mThenActions.GetList().AddMatchStrings( ioSearchee );
+    mElseActions.GetList().AddMatchStrings( ioSearchee );
+}
+
+Text AIfThenElse::InternalGetActionDescriptionString() const
+{
+    return ConditionalDescription( mConditions, u"kvIfThenElseNoConditionsTitle", u"kvIfThenElseTitle" );
+}
+
+// Loops
+
+void AWhile::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    DescribeActions( inVisitor );
+}
+
+Text AWhile::InternalGetActionDescriptionString() const
+{
+    return ConditionalDescription( mConditions, u"kvWhileNoConditionsTitle", u"kvWhileTitle" );
+}
+
+void AUntil::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    DescribeActions( inVisitor );
+}
+
+Text AUntil::InternalGetActionDescriptionString() const
+{
+    if ( mConditions.Empty() )
+        return kvr_localized( IsEmptyOfActions() ? u"kvUntilNothingTitle" : u"kvUntilNoConditionsTitle" );
+    return kvr_format(
+        "%@ %@", TextView( kvr_localized( u"kvUntilTitle" ) ), TextView( mConditions.GetConditionDisplayText() ) );
+}
+
+void ARepeat::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Calculation( "CountExpression", mCountExpression, { .mOlderKey = "Count" } );
+    DescribeActions( inVisitor );
+}
+
+Text ARepeat::InternalGetActionDescriptionString() const
+{
+    if ( IsEmptyOfActions() )
+        return kvr_localized( u"kvRepeatNoActionsTitle" );
+    return kvr_localizedFormat( u"kvRepeatTitleFormat", TextView( mCountExpression.GetText() ) );
+}
+
+void AFor::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Variable( "Variable", mVariable );
+    inVisitor.Converted( "Collections", mCollections, { .mRequiredAs = "collections" } );
+    DescribeActions( inVisitor );
+}
+
+void AFor::AddMatchStrings( StringSearchee& ioSearchee ) const
+{
+    HLoopAction::AddMatchStrings( ioSearchee );
+    ioSearchee.Add( mVariable );
+}
+
+Text AFor::InternalGetActionDescriptionString() const
+{
+    return kvr_localizedFormat( u"kvForTitle", TextView( mVariable.GetText() ) );
+}
+
+// One text for no collection, one for one, one for more.
+Text AFor::InternalGetActionHTMLDescriptionString() const
+{
+    const Text key = kvr_format( "kvForHTMLTitle%d", int( std::min<std::size_t>( mCollections.GetCount(), 2 ) ) );
+    return kvr_localizedFormat( key, TextView( mVariable.GetText() ) );
+}
+
+// Group
+
+void AGroup::DescribeFields( HFieldVisitor& inVisitor )
+{
+    DescribeActions( inVisitor );
+}
+
+Text AGroup::InternalGetActionDescriptionString() const
+{
+    return kvr_localized( IsEmptyOfActions() ? u"kvGroupNoActionsTitle" : u"kvGroupTitle" );
+}
+
+// Waiting and checking
+
+void AAssert::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+}
+
+Text AAssert::InternalGetActionDescriptionString() const
+{
+    return ConditionalDescription( mConditions, u"kvAssertNoConditionsTitle", u"hkAssertTitle" );
+}
+
+void APauseUntil::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+}
+
+Text APauseUntil::InternalGetActionDescriptionString() const
+{
+    return ConditionalDescription( mConditions, u"kvPauseUntilNoConditionsTitle", u"hkPauseUntilTitle" );
+}
+
+void ACancel::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Name( "Action", mAction );
+    inVisitor.Text( "Instance", mInstance );
+}
+
+std::vector<Text> ACancel::GetAddActionByNameExtraSearchString() const
+{
+    if ( mAction >= CancelAction::kRetryThisLoop )
+        return { u"exit", u"break", u"loop" };
+    return { u"exit", u"break" };
+}
+
+Text ACancel::InternalGetActionDescriptionString() const
+{
+    return kvr_localizedFormat(
+        KeyWith( u"Cancel", kCancelActionNames[std::size_t( mAction )], u"Title" ), TextView( mInstance.GetText() ) );
+}
+
+void APause::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Calculation( "Time", mTime, { .mOlderKey = "Seconds" } );
+    inVisitor.Name( "Unit", mUnit );
+}
+
+std::unique_ptr<HBaseAction> APause::Merge( const HBaseAction& inNext ) const
+{
+    const auto* next = dynamic_cast<const APause*>( &inNext );
+    if ( not next or next->mUnit != mUnit )
+        return nullptr;
+    const std::optional<double> first = PlainNumber( mTime ), second = PlainNumber( next->mTime );
+    if ( not first or not second )
+        return nullptr;
+    auto merged = std::make_unique<APause>( *this );
+    merged->mTime = XText( kvr_shortestNumber( *first + *second ) );
+    return merged;
+}
+
+std::vector<Text> APause::GetAddActionByNameExtraSearchString() const
+{
+    return { u"Wait", u"Delay" };
+}
+
+Text APause::InternalGetActionDescriptionString() const
+{
+    const TextView number = mTime.Equals( TextView( u"1" ) ) ? u"Singular" : u"Plural";
+    const Text& unit = kvr_localized( KeyWith( u"PauseUnit", kPauseUnitNames[std::size_t( mUnit )], number ) );
+    return kvr_localizedFormat( u"hkPauseTitleFormat", TextView( mTime.GetText() ), TextView( unit ) );
+}
+
+void ASemaphore::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Name( "SemaphoreAction", mAction );
+    // A new semaphore has a name; one read without the key has none.
+    inVisitor.Text( "SemaphoreName", mName, { .mWhenMissing = u"" } );
+}
+
+Text ASemaphore::GetActionTitle() const
+{
+    return kvr_localized( KeyWith( u"hkSemaphore", kSemaphoreActionNames[std::size_t( mAction )], u"Title" ) );
+}
+
+Text ASemaphore::InternalGetActionDescriptionString() const
+{
+    return kvr_localizedFormat(
+        KeyWith( u"hkSemaphore", kSemaphoreActionNames[std::size_t( mAction )], u"_DescriptionFormat" ),
+        TextView( mName.GetText() ) );
+}

@@ -1,0 +1,256 @@
+#include "Actions/HActionType.h"
+
+#include "Actions/AStoredAction.h"
+#include "Actions/ASwitch.h"
+#include "Actions/FlowControlActions.h"
+#include "Actions/MacroActions.h"
+#include "Actions/NotificationActions.h"
+#include "Actions/OpenActions.h"
+
+#include "Actions/TextActions.h"
+#include "XCAF/XErrorHandler.h"
+
+// To add a type of action: an enumerator, a row here in its place, a class with its fields, a text for its
+// title, and its lines in Tests/Actions/ActionCatalogue.txt.
+
+namespace
+{
+template<class Action>
+std::unique_ptr<HBaseAction> Make( HActionType )
+{
+    return std::make_unique<Action>();
+}
+
+std::unique_ptr<HBaseAction> MakeStored( HActionType inType )
+{
+    return std::make_unique<AStoredAction>( inType );
+}
+
+// Types whose time-out or failure depends on their fields override what stands here.
+// clang-format off
+constexpr HActionTypeRow kActionTypes[] = {
+    // type, key, time-out, on failure, make, title
+    { HActionType::kProgramSwitcher, "ProgramSwitcher", 0, HFailure::kNever, MakeStored },
+    { HActionType::kWindowSwitcher, "WindowSwitcher", 0, HFailure::kNever, MakeStored },
+    { HActionType::kApplicationLauncher, "ApplicationLauncher", 0, HFailure::kNever, MakeStored },
+    { HActionType::kClipboardSwitcherCopy, "ClipboardSwitcherCopy", 0, HFailure::kNever, MakeStored },
+    { HActionType::kClipboardSwitcherCut, "ClipboardSwitcherCut", 0, HFailure::kNever, MakeStored },
+    { HActionType::kClipboardSwitcherPaste, "ClipboardSwitcherPaste", 0, HFailure::kNever, MakeStored },
+    { HActionType::kClipboardHistorySwitcher, "ClipboardHistorySwitcher", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSendMessageToEditor, "SendMessageToEditor", 0, HFailure::kNever, MakeStored },
+    { HActionType::kDontRotateStatusMenu, "DontRotateStatusMenu", 0, HFailure::kNever, MakeStored },
+    { HActionType::kTypedStringDuplicatePalette, "TypedStringDuplicatePalette", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSearch, "Search", 180, HFailure::kNever, MakeStored },
+    { HActionType::kTriggerByName, "TriggerByName", 180, HFailure::kNever, MakeStored },
+    { HActionType::kShowPaletteOfMacros, "ShowPaletteOfMacros", 356400, HFailure::kNever, MakeStored },
+    { HActionType::kGetTouchBarSelection, "GetTouchBarSelection", 60, HFailure::kNever, MakeStored },
+    { HActionType::kOCRImage, "OCRImage", 60, HFailure::kNever, MakeStored },
+    { HActionType::kBringWindowsForward, "BringWindowsForward", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSwitchToLastApplication, "SwitchToLastApplication", 20, HFailure::kNever, MakeStored },
+    { HActionType::kSwitchToNextApplication, "SwitchToNextApplication", 20, HFailure::kNever, MakeStored },
+    { HActionType::kActivateApplication, "ActivateApplication", 20, HFailure::kGoOn, MakeStored },
+    { HActionType::kApplyModifiersToApplication, "ApplyModifiersToApplication", 20, HFailure::kGoOn, MakeStored },
+    { HActionType::kQuitOthers, "QuitOthers", 0, HFailure::kNever, MakeStored },
+    { HActionType::kQuitAll, "QuitAll", 0, HFailure::kNever, MakeStored },
+    { HActionType::kQuitSpecificApp, "QuitSpecificApp", 0, HFailure::kNever, MakeStored },
+    { HActionType::kHideOthers, "HideOthers", 0, HFailure::kNever, MakeStored },
+    { HActionType::kHideAll, "HideAll", 0, HFailure::kNever, MakeStored },
+    { HActionType::kHideCurrent, "HideCurrent", 0, HFailure::kNever, MakeStored },
+    { HActionType::kHideSpecificApp, "HideSpecificApp", 0, HFailure::kNever, MakeStored },
+    { HActionType::kShowAll, "ShowAll", 0, HFailure::kNever, MakeStored },
+    { HActionType::kShowSpecificApp, "ShowSpecificApp", 0, HFailure::kNever, MakeStored },
+    { HActionType::kFile, "File", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kReadFile, "ReadFile", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kWriteFile, "WriteFile", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetFileIcon, "SetFileIcon", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kNewFolder, "NewFolder", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSplitPath, "SplitPath", 0, HFailure::kStop, MakeStored },
+    { HActionType::kPlugIn, "PlugIn", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kGetFileAttribute, "GetFileAttribute", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetFileAttribute, "SetFileAttribute", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kOpen1File, "Open1File", 0, HFailure::kStop, MakeStored },
+    { HActionType::kOpenFinderSelection, "OpenFinderSelection", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSystemPrefPane, "SystemPrefPane", 20, HFailure::kGoOn, MakeStored },
+    { HActionType::kOpen1Password, "Open1Password", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kOpenURL, "OpenURL", 20, HFailure::kGoOn, Make<AOpenURL> },
+    { HActionType::kGetURL, "GetURL", 20, HFailure::kStop, MakeStored },
+    { HActionType::kExecuteAppleScript, "ExecuteAppleScript", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kExecuteShellScript, "ExecuteShellScript", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kExecuteJavaScriptForAutomation, "ExecuteJavaScriptForAutomation", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kExecuteJavaScriptForCustomPrompt, "ExecuteJavaScriptForCustomPrompt", 20, HFailure::kStop, MakeStored },
+    { HActionType::kExecuteSwift, "ExecuteSwift", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kExecuteJavaScript, "ExecuteJavaScript", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kExecuteWorkflow, "ExecuteWorkflow", 356400, HFailure::kNever, MakeStored },
+    { HActionType::kExecuteMacro, "ExecuteMacro", 356400, HFailure::kNever, Make<AExecuteMacro> },
+    { HActionType::kMarkMacro, "MarkMacro", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetMacroEnable, "SetMacroEnable", 0, HFailure::kNever, MakeStored },
+    { HActionType::kInsertText, "InsertText", 0, HFailure::kNever, Make<AInsertText> },
+    { HActionType::kSetFindPasteboard, "SetFindPasteboard", 5, HFailure::kNever, MakeStored },
+    { HActionType::kSetNetworkLocation, "SetNetworkLocation", 0, HFailure::kNever, MakeStored },
+    { HActionType::kFastUserSwitch, "FastUserSwitch", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSetKeyboardLayout, "SetKeyboardLayout", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kQuickMacro, "QuickMacro", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSimulateKeystroke, "SimulateKeystroke", 0, HFailure::kNever, MakeStored },
+    { HActionType::kTriggerMacroByHotKey, "TriggerMacroByHotKey", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSimulateModifiers, "SimulateModifiers", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSimulateHardwareKey, "SimulateHardwareKey", 0, HFailure::kNever, MakeStored },
+    { HActionType::kMouseMoveAndClick, "MouseMoveAndClick", 0, HFailure::kStop, MakeStored },
+    { HActionType::kScrollWheelEvent, "ScrollWheelEvent", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSelectMenuItem, "SelectMenuItem", 0, HFailure::kStop, MakeStored },
+    { HActionType::kPressButton, "PressButton", 0, HFailure::kStop, MakeStored, "hkPressButtonItem" },
+    { HActionType::kDarkMode, "DarkMode", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSemaphore, "Semaphore", 3600, HFailure::kStop, Make<ASemaphore> },
+    { HActionType::kManipulateWindow, "ManipulateWindow", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kHiliteLocation, "HiliteLocation", 356400, HFailure::kGoOn, MakeStored },
+    { HActionType::kScreenCapture, "ScreenCapture", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kFindImage, "FindImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kTransformImage, "TransformImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kResizeImage, "ResizeImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kCompositeImage, "CompositeImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kCopyClipboard, "CopyClipboard", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kDrawImage, "DrawImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kGetImageSize, "GetImageSize", 0, HFailure::kNever, MakeStored },
+    { HActionType::kTrimImage, "TrimImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kDisplayImage, "DisplayImage", 0, HFailure::kNever, MakeStored },
+    { HActionType::kNewImage, "NewImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kPause, "Pause", 356400, HFailure::kGoOn, Make<APause> },
+    { HActionType::kPauseUntil, "PauseUntil", 356400, HFailure::kNever, Make<APauseUntil> },
+    { HActionType::kAssert, "Assert", 0, HFailure::kStop, Make<AAssert> },
+    { HActionType::kFor, "For", 356400, HFailure::kNever, Make<AFor> },
+    { HActionType::kWhile, "While", 356400, HFailure::kNever, Make<AWhile> },
+    { HActionType::kUntil, "Until", 356400, HFailure::kNever, Make<AUntil> },
+    { HActionType::kRepeat, "Repeat", 356400, HFailure::kGoOn, Make<ARepeat> },
+    { HActionType::kGroup, "Group", 356400, HFailure::kNever, Make<AGroup> },
+    { HActionType::kIfThenElse, "IfThenElse", 356400, HFailure::kNever, Make<AIfThenElse> },
+    { HActionType::kSwitch, "Switch", 0, HFailure::kNever, Make<ASwitch> },
+    { HActionType::kAlert, "Alert", 180, HFailure::kNever, MakeStored },
+    { HActionType::kComment, "Comment", 0, HFailure::kNever, Make<AComment> },
+    { HActionType::kCancel, "Cancel", 0, HFailure::kNever, Make<ACancel> },
+    { HActionType::kMacroGroupToggle, "MacroGroupToggle", 0, HFailure::kNever, MakeStored },
+    { HActionType::kConcealMacroPalettes, "ConcealMacroPalettes", 0, HFailure::kNever, MakeStored },
+    { HActionType::kITunesControl, "iTunesControl", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kQuickTimePlayerControl, "QuickTimePlayerControl", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSafariControl, "SafariControl", 356400, HFailure::kGoOn, MakeStored },
+    { HActionType::kClipboardSwitcherMacroAction, "ClipboardSwitcherMacroAction", 10, HFailure::kNever, MakeStored, "hkClipboardSwitcher" },
+    { HActionType::kCutCopyPaste, "CutCopyPaste", 10, HFailure::kNever, MakeStored },
+    { HActionType::kSetClipboardToText, "SetClipboardToText", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetClipboardToPastClipboard, "SetClipboardToPastClipboard", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetClipboardToNamedClipboard, "SetClipboardToNamedClipboard", 0, HFailure::kNever, MakeStored },
+    { HActionType::kDeletePastClipboard, "DeletePastClipboard", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSaveClipboardToNamedClipboard, "SaveClipboardToNamedClipboard", 0, HFailure::kNever, MakeStored },
+    { HActionType::kFilterClipboard, "FilterClipboard", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSearchReplaceClipboard, "SearchReplaceClipboard", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kApplyStyle, "ApplyStyle", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kApplyTextFactory, "ApplyTextFactory", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetVariableToText, "SetVariableToText", 0, HFailure::kStop, Make<ASetVariableToText> },
+    { HActionType::kSetVariablesToJSON, "SetVariablesToJSON", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetJSONValue, "SetJSONValue", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetDictionaryToJSON, "SetDictionaryToJSON", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetDictionaryValue, "SetDictionaryValue", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetVariableToKeychainPassword, "SetVariableToKeychainPassword", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetKeychainPasswordToText, "SetKeychainPasswordToText", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSetVariableToSafariField, "SetVariableToSafariField", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetSafariFieldToText, "SetSafariFieldToText", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetSafariCheckbox, "SetSafariCheckbox", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetSafariRadio, "SetSafariRadio", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetMailStatus, "SetMailStatus", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kMailSendMessage, "MailSendMessage", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSendSMS, "SendSMS", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetVariableToCalculation, "SetVariableToCalculation", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetActionDelay, "SetActionDelay", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSearchReplaceVariable, "SearchReplaceVariable", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSearchReplace, "SearchReplace", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSearchVariable, "SearchVariable", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSearchRegEx, "SearchRegEx", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSearchClipboard, "SearchClipboard", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSubstring, "Substring", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kUseVariable, "UseVariable", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kFilterVariable, "FilterVariable", 0, HFailure::kNever, MakeStored },
+    { HActionType::kFilter, "Filter", 0, HFailure::kNever, MakeStored },
+    { HActionType::kPromptWithList, "PromptWithList", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kPromptForUserInput, "PromptForUserInput", 356400, HFailure::kNever, MakeStored },
+    { HActionType::kPromptForFile, "PromptForFile", 0, HFailure::kStop, MakeStored },
+    { HActionType::kCustomPrompt, "CustomPrompt", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kSpeakText, "SpeakText", 356400, HFailure::kNever, MakeStored },
+    { HActionType::kPlaySound, "PlaySound", 356400, HFailure::kGoOn, MakeStored },
+    { HActionType::kSystemAction, "SystemAction", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kDebuggerAction, "DebuggerAction", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSystemVolume, "SystemVolume", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSendMIDIMessage, "SendMIDIMessage", 0, HFailure::kStop, MakeStored },
+    { HActionType::kGrowl, "Growl", 0, HFailure::kNever, Make<AGrowl> },
+    { HActionType::kLog, "Log", 0, HFailure::kNever, MakeStored },
+    { HActionType::kNotification, "Notification", 0, HFailure::kNever, Make<ANotification> },
+    { HActionType::kStreamDeckShow, "StreamDeckShow", 0, HFailure::kNever, MakeStored },
+    { HActionType::kStreamDeckSetTitle, "StreamDeckSetTitle", 0, HFailure::kNever, MakeStored },
+    { HActionType::kStreamDeckSetImage, "StreamDeckSetImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kSetDesktopImage, "SetDesktopImage", 0, HFailure::kStop, MakeStored },
+    { HActionType::kApplicationsPaletteToggle, "ApplicationsPaletteToggle", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSetClipboardToImage, "SetClipboardToImage", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetClipboardToFileReference, "SetClipboardToFileReference", 0, HFailure::kStop, MakeStored },
+};
+// clang-format on
+static_assert( std::size( kActionTypes ) == kHActionTypeCount );
+
+constexpr bool InEnumeratorOrder( std::span<const HActionTypeRow> inRows )
+{
+    for ( std::size_t i = 0; i < inRows.size(); ++i )
+    {
+        if ( std::size_t( inRows[i].mType ) != i )
+            return false;
+    }
+    return true;
+}
+static_assert( InEnumeratorOrder( kActionTypes ), "one row for each HActionType, in its order" );
+
+// A file of a hundred thousand macros asks for a type half a million times, so that the keys stand in an
+// open hash table, made by the compiler.
+constexpr std::size_t kSlotCount = 512;
+constexpr std::uint8_t kNoType = 0xFF;
+static_assert( kHActionTypeCount < kNoType );
+
+constexpr std::array<std::uint8_t, kSlotCount> MakeSlots()
+{
+    std::array<std::uint8_t, kSlotCount> slots{};
+    slots.fill( kNoType );
+    for ( std::size_t i = 0; i < kHActionTypeCount; ++i )
+    {
+        std::size_t at = XKey( kActionTypes[i].mKey ).Hash() % kSlotCount;
+        while ( slots[at] != kNoType )
+            at = ( at + 1 ) % kSlotCount;
+        slots[at] = std::uint8_t( i );
+    }
+    return slots;
+}
+constexpr auto kSlots = MakeSlots();
+} // namespace
+
+const HActionTypeRow& RowOf( HActionType inType )
+{
+    XAssertText( std::size_t( inType ) < kHActionTypeCount, "theKey" );
+    return kActionTypes[std::size_t( inType ) < kHActionTypeCount ? std::size_t( inType ) : 0];
+}
+
+std::optional<HActionType> HActionTypeFromKey( const XPlistString& inKey )
+{
+    if ( not inKey.IsASCII() )
+        return {};
+    for ( std::size_t at = XKey( inKey.ASCII() ).Hash() % kSlotCount; kSlots[at] != kNoType;
+          at = ( at + 1 ) % kSlotCount )
+    {
+        const HActionTypeRow& row = kActionTypes[kSlots[at]];
+        if ( row.mKey == inKey.ASCII() )
+            return row.mType;
+    }
+    return {};
+}
+
+const XText& KeyOf( HActionType inType )
+{
+    static const auto gKeys = [] {
+        std::array<XText, kHActionTypeCount> keys;
+        for ( std::size_t i = 0; i < kHActionTypeCount; ++i )
+            keys[i] = XText( XPlistString::MakeASCII( kActionTypes[i].mKey ) );
+        return keys;
+    }();
+    return gKeys[std::size_t( RowOf( inType ).mType )];
+}

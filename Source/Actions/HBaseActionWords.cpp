@@ -1,0 +1,153 @@
+// What people see of any action: its titles, descriptions, help page and icons, and what a search finds.
+#include "Actions/HBaseAction.h"
+#include "Actions/HHelpLinks.h"
+
+#include "Defines/KVIconRegistry.h"
+#include "Utility/Search/StringSearchee.h"
+#include "Utility/Text/Localization.h"
+#include "XCAF/XErrorHandler.h"
+
+namespace
+{
+void ReplaceAll( Text& ioText, TextView inWhat, TextView inWith )
+{
+    for ( std::size_t at = 0; ( at = ioText.find( inWhat, at ) ) != Text::npos; at += inWith.size() )
+        ioText.replace( at, inWhat.size(), inWith );
+}
+} // namespace
+
+Text kHotKeyActionName( HActionType inType )
+{
+    if ( std::size_t( inType ) >= kHActionTypeCount )
+        return {};
+    const HActionTypeRow& row = RowOf( inType );
+    return row.mTitleKey ? TextFromASCII( row.mTitleKey ) : u"hk" + TextFromASCII( row.mKey );
+}
+
+Text HBaseAction::GetActionTypeTitle( HActionType inType )
+{
+    const Text theKey = kHotKeyActionName( inType );
+    XAssertText( not theKey.empty(), "theKey" );
+    if ( theKey.empty() )
+        return u"Unknown Action";
+    if ( inType == HActionType::kITunesControl ) // the application's name of today
+        return kvr_localizedFormat( theKey, TextView( u"Music" ) );
+    return kvr_localized( theKey );
+}
+
+Text HBaseAction::GetActionTitle() const
+{
+    return GetActionTypeTitle( GetActionType() );
+}
+
+Text HBaseAction::GetNewActionTitle() const
+{
+    return GetActionTitle();
+}
+
+Text HBaseAction::GetWikiActionTitle() const
+{
+    return GetNewActionTitle();
+}
+
+Text HBaseAction::InternalGetActionDescriptionString() const
+{
+    return GetActionTitle();
+}
+
+Text HBaseAction::InternalGetActionHTMLDescriptionString() const
+{
+    return InternalGetActionDescriptionString();
+}
+
+Text HBaseAction::GetActionDescriptionString() const
+{
+    return IsEmpty( mName ) ? InternalGetActionDescriptionString() : mName.GetText();
+}
+
+Text HBaseAction::GetActionDescriptionDefaultString() const
+{
+    return InternalGetActionDescriptionString();
+}
+
+Text HBaseAction::GetActionHTMLDescriptionString() const
+{
+    return IsEmpty( mName ) ? InternalGetActionHTMLDescriptionString() : mName.GetText();
+}
+
+Text HBaseAction::GetActionExtraHTML() const
+{
+    return {};
+}
+
+bool HBaseAction::MacroUseGetActionDescriptionStringForTitle() const
+{
+    return not IsEmpty( mName );
+}
+
+std::vector<Text> HBaseAction::GetAddActionByNameExtraSearchString() const
+{
+    return {};
+}
+
+std::optional<Text> HBaseAction::GetToolTip() const
+{
+    return {};
+}
+
+std::vector<Text> HBaseAction::ActionCouldBeRegExStrings() const
+{
+    return {};
+}
+
+Text HBaseAction::WikiName() const
+{
+    Text name = GetWikiActionTitle();
+    ReplaceAll( name, u",", u" " );
+    ReplaceAll( name, u"/", u" or " );
+    // Twice, as four blanks can come of the two steps before.
+    ReplaceAll( name, u"  ", u" " );
+    ReplaceAll( name, u"  ", u" " );
+    ReplaceAll( name, u" ", u"_" );
+    return name;
+}
+
+Text HBaseAction::WikiURL() const
+{
+    return HHelpLinks::Link( u"action", WikiName() );
+}
+
+// Icons
+
+XIcon HBaseAction::GetActionTypeXIcon( HActionType inType )
+{
+    return KVIconRegistryIconForActionType( KeyOf( inType ).GetText() );
+}
+
+XIcon HBaseAction::GetActionXIcon() const
+{
+    return GetActionTypeXIcon( GetActionType() );
+}
+
+XIcon HBaseAction::GetActionDescriptionXIcon() const
+{
+    return GetActionXIcon();
+}
+
+XIcon HBaseAction::GetActionDescriptionXIconWithDisabledBadge() const
+{
+    const XIcon icon = GetActionDescriptionXIcon();
+    return IsActive() ? icon : XIcon( icon.DimmedIcon(), XIcon( KVIconRegistry::kDisabledBadge ) );
+}
+
+// Searching
+
+void HBaseAction::AddMatchStrings( StringSearchee& ioSearchee ) const
+{
+    ioSearchee.Add( GetActionTitle() );
+    ioSearchee.Add( GetActionDescriptionString() );
+    for ( Text& words : GetAddActionByNameExtraSearchString() )
+        ioSearchee.Add( std::move( words ) );
+}
+
+void HBaseAction::AddMatchStringsForSubActions( StringSearchee& ) const {}

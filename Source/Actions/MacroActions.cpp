@@ -1,0 +1,42 @@
+#include "Actions/MacroActions.h"
+
+#include "Actions/HObjectNames.h"
+#include "Macros/MMacroInsertion.h"
+#include "Utility/Search/StringSearchee.h"
+#include "Utility/Text/Localization.h"
+#include "XCAF/XErrorHandler.h"
+
+void AExecuteMacro::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Text( "MacroUID", mMacroUID, { .mRequiredAs = "macroUID" } );
+    inVisitor.Boolean( "UseParameter", mUseParameter );
+    inVisitor.Text( "Parameter", mParameter );
+    inVisitor.Boolean( "Asynchronously", mAsynchronously );
+}
+
+void AExecuteMacro::UpdateForPasteOrAdd()
+{
+    XAssertText( not mMacroUID.IsNull(), "mMacroUID" );
+    if ( not mMacroUID.IsNull() )
+        mMacroUID = MMacroInsertion::GetMapping( mMacroUID );
+}
+
+std::vector<Text> AExecuteMacro::GetAddActionByNameExtraSearchString() const
+{
+    return { u"run", u"trigger" };
+}
+
+void AExecuteMacro::AddMatchStrings( StringSearchee& ioSearchee ) const
+{
+    HBaseAction::AddMatchStrings( ioSearchee );
+    ioSearchee.AddUID( mMacroUID );
+}
+
+Text AExecuteMacro::InternalGetActionDescriptionString() const
+{
+    const Text key = kvr_format(
+        "kvExecuteMacroAsynchronously%dParameter%dTitleFormat", int( mAsynchronously ), int( mUseParameter ) );
+    const Text name =
+        HObjectNames::UnambiguousNameOf( mMacroUID ).value_or( kvr_localized( u"kvMacroUnknownUnambiguousName" ) );
+    return kvr_localizedFormat( key, TextView( name ), TextView( mParameter.GetText() ) );
+}

@@ -1,0 +1,28 @@
+// The actions that refer to macros.
+#pragma once
+
+#include "Actions/HBaseAction.h"
+#include "Actions/SharedText.h"
+
+class AExecuteMacro final : public HActionOf<AExecuteMacro, HActionType::kExecuteMacro>
+{
+public:
+    void DescribeFields( HFieldVisitor& inVisitor ) override;
+    void UpdateForPasteOrAdd() override;
+    /// A macro may call itself.
+    [[nodiscard]] bool IsLoop() const override { return true; }
+    [[nodiscard]] std::vector<Text> GetAddActionByNameExtraSearchString() const override;
+    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
+
+    [[nodiscard]] const XText& GetMacroUID() const { return mMacroUID; }
+    void SetMacroUID( const XText& inUID ) { mMacroUID = inUID; }
+
+protected:
+    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+
+private:
+    XText mMacroUID = SharedText<u"">();
+    bool mUseParameter = false;
+    XText mParameter = SharedText<u"">();
+    bool mAsynchronously = false;
+};

@@ -1,0 +1,63 @@
+#include "Actions/NotificationActions.h"
+
+#include "Macros/MLoadObserver.h"
+#include "Utility/Search/StringSearchee.h"
+#include "Utility/Text/Localization.h"
+
+namespace
+{
+struct NotificationDefaults
+{
+    XText mTitle{ kvr_localized( u"kNotificationDefaultTitle" ) };
+    XText mSubtitle{ kvr_localized( u"kNotificationDefaultSubtitle" ) };
+    XText mText{ kvr_localized( u"kNotificationDefaultText" ) };
+};
+} // namespace
+
+ANotification::ANotification()
+{
+    static const NotificationDefaults gDefaults;
+    mTitle = gDefaults.mTitle;
+    mSubtitle = gDefaults.mSubtitle;
+    mText = gDefaults.mText;
+}
+
+void ANotification::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Text( "Title", mTitle );
+    inVisitor.Text( "Subtitle", mSubtitle );
+    inVisitor.Text( "Text", mText );
+    inVisitor.Text( "SoundName", mSoundName );
+}
+
+void ANotification::AddMatchStrings( StringSearchee& ioSearchee ) const
+{
+    HBaseAction::AddMatchStrings( ioSearchee );
+    for ( const XText& text : { mTitle, mSubtitle, mText } )
+        ioSearchee.Add( text );
+}
+
+Text ANotification::InternalGetActionDescriptionString() const
+{
+    const XText& shown = mTitle.IsEmpty() ? mText : mTitle;
+    if ( shown.IsEmpty() )
+        return GetActionTitle();
+    return kvr_localizedFormat( u"kvNotificationDescriptionFormat", TextView( shown.GetText() ) );
+}
+
+void AGrowl::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Text( "Title", mTitle );
+    inVisitor.Text( "Text", mText );
+}
+
+std::unique_ptr<HBaseAction> AGrowl::CleanActionAfterInitialization( const XPlistDictionary& inDictionary )
+{
+    auto notification = std::make_unique<ANotification>();
+    notification->ResetBaseProperties( inDictionary );
+    notification->SetTitle( mTitle );
+    notification->SetText( mText );
+    if ( MLoadObserver* observer = MLoadObserver::Current() )
+        observer->DidUpgradeType( inDictionary, u"Growl", u"Notification" );
+    return notification;
+}

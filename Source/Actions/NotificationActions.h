@@ -1,0 +1,36 @@
+// The actions that tell the user something in passing.
+#pragma once
+
+#include "Actions/HBaseAction.h"
+#include "Actions/SharedText.h"
+
+class ANotification final : public HActionOf<ANotification, HActionType::kNotification>
+{
+public:
+    ANotification();
+    void DescribeFields( HFieldVisitor& inVisitor ) override;
+    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
+
+    void SetTitle( const XText& inTitle ) { mTitle = inTitle; }
+    void SetText( const XText& inText ) { mText = inText; }
+
+protected:
+    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+
+private:
+    XText mTitle, mSubtitle, mText;
+    XText mSoundName = SharedText<u"">();
+};
+
+/// Of older files only: reading makes a notification of it.
+class AGrowl final : public HActionOf<AGrowl, HActionType::kGrowl>
+{
+public:
+    void DescribeFields( HFieldVisitor& inVisitor ) override;
+    [[nodiscard]] std::unique_ptr<HBaseAction> CleanActionAfterInitialization(
+        const XPlistDictionary& inDictionary ) override;
+
+private:
+    XText mTitle = SharedText<u"">();
+    XText mText = SharedText<u"">();
+};

@@ -1,0 +1,22 @@
+// The actions that open things.
+#pragma once
+
+#include "Actions/ActionFieldParts.h"
+#include "Actions/HBaseAction.h"
+
+class AOpenURL final : public HActionOf<AOpenURL, HActionType::kOpenURL>
+{
+public:
+    AOpenURL();
+    void DescribeFields( HFieldVisitor& inVisitor ) override;
+    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
+
+protected:
+    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+
+private:
+    XText mURL;
+    bool mIsDefaultApplication = true;
+    std::optional<XApplicationIdentifier> mApplication; // only when it isn't the default one
+    bool mOpenInBackground = false;
+};
