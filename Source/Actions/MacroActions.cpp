@@ -1,7 +1,7 @@
 #include "Actions/MacroActions.h"
 
-#include "Actions/HObjectNames.h"
 #include "Macros/MMacroInsertion.h"
+#include "Macros/MMacroSerializedObject.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 #include "XCAF/XErrorHandler.h"
@@ -36,7 +36,7 @@ Text AExecuteMacro::InternalGetActionDescriptionString() const
 {
     const Text key = kvr_format(
         "kvExecuteMacroAsynchronously%dParameter%dTitleFormat", int( mAsynchronously ), int( mUseParameter ) );
-    const Text name =
-        HObjectNames::UnambiguousNameOf( mMacroUID ).value_or( kvr_localized( u"kvMacroUnknownUnambiguousName" ) );
+    const MMacroSerializedObject* macro = MMacroSerializedObject::FindObjectByUID( mMacroUID );
+    const Text name = macro ? macro->GetUnambiguousName() : MMacroSerializedObject::GetUnknownUnambiguousName();
     return kvr_localizedFormat( key, TextView( name ), TextView( mParameter.GetText() ) );
 }
