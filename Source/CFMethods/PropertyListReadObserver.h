@@ -11,9 +11,9 @@ public:
     /// A key was asked for, whether it is there or not. Called on the thread that reads.
     virtual void DidRead( const XPlistDictionary& inDictionary, const XKey& inKey ) = 0;
     /// A value stood there, but of another type than was asked for, or a number that doesn't fit.
-    virtual void DidMisread( const XPlistDictionary& inDictionary, const XKey& inKey ) = 0;
+    virtual void DidMisread( const XPlistDictionary&, const XKey& ) {}
     /// The value was taken.
-    virtual void DidTake( const XPlistDictionary& inDictionary, const XKey& inKey ) = 0;
+    virtual void DidTake( const XPlistDictionary&, const XKey& ) {}
 
     /// Watches the reads of this thread for as long as the object lives.
     class Scope
