@@ -1,0 +1,86 @@
+#include "App/FileInput.h"
+
+#include "App/Output.h"
+#include "App/PropertyListJSON.h"
+
+#include <cerrno>
+#include <fmt/format.h>
+#include <iterator>
+
+namespace
+{
+// What the user can do about it.
+std::string AdviceFor( const XFileContent& inContent )
+{
+    if ( inContent.mFacts.mKind == XFileFacts::Kind::kFolder or inContent.mError->mCode == EISDIR )
+        return "; name a file in it";
+    switch ( inContent.mError->mCode )
+    {
+    case ENOENT:
+    case ENOTDIR:
+        return "; check the name and the folder";
+    case EACCES:
+    case EPERM:
+        return "; ask its owner for permission to read it";
+    case ELOOP:
+        return "; name the file that the links should lead to";
+    default:
+        return "";
+    }
+}
+
+std::string SentenceFor( const std::string& inPath, const XFileContent& inContent )
+{
+    const bool isTooLarge = inContent.mError->mCode == 0 and inContent.mFacts.mKind != XFileFacts::Kind::kFolder and
+        inContent.mFacts.mSize > FileInput::kMostBytes;
+    if ( isTooLarge )
+        return fmt::format( "{} is larger than the limit of {} MiB; split it first", QuotedPath( inPath ),
+            FileInput::kMostBytes >> 20 );
+    return fmt::format(
+        "can't read {}: {}{}", QuotedPath( inPath ), inContent.mError->mReason, AdviceFor( inContent ) );
+}
+} // namespace
+
+XBytes FileInput::Read( const std::string& inPath ) const
+{
+    XFileContent content = inPath == "-" ? mReadStandardInput( kMostBytes ) : ReadWholeFile( inPath, kMostBytes );
+    if ( content.mError )
+        throw FileTrouble( SentenceFor( inPath, content ) );
+    if ( content.mBytes.size() == 0 )
+        throw FileTrouble( fmt::format( "{} is empty; a property list has at least one value", QuotedPath( inPath ) ) );
+    return std::move( content.mBytes );
+}
+
+const char* NameOf( PropertyListInput::Format inFormat )
+{
+    constexpr const char* kNames[] = { "binary", "xml", "json" };
+    static_assert( std::size( kNames ) == std::size_t( PropertyListInput::Format::kJSON ) + 1 );
+    return kNames[std::size_t( inFormat )];
+}
+
+PropertyListInput ReadAnyPropertyList( std::span<const std::uint8_t> inBytes )
+{
+    using enum PropertyListInput::Format;
+    const auto describe = []( const std::optional<XPlistFault>& inFault ) {
+        return inFault ? std::optional( inFault->Describe() ) : std::nullopt;
+    };
+    if ( BeginsAsJSON( inBytes ) )
+    {
+        XPlistJSONResult json = ReadPropertyListJSON( inBytes );
+        return { std::move( json.mValue ), describe( json.mFault ), std::move( json.mNotes ), kJSON };
+    }
+    XPlistReadResult read = ReadPropertyList( inBytes );
+    return { std::move( read.mValue ), describe( read.mFault ), std::move( read.mNotes ),
+        read.mFormat == XPlistFormat::kBinary ? kBinary : kXML };
+}
+
+PropertyListInput ReadPropertyListFile( const FileInput& inInput, const std::string& inPath )
+{
+    const XBytes bytes = inInput.Read( inPath );
+    PropertyListInput input = ReadAnyPropertyList( bytes.Span() );
+    if ( input.mFault )
+        throw FileTrouble(
+            fmt::format( "{} can't be understood as {}: {}; a whole copy of it is needed", QuotedPath( inPath ),
+                input.mFormat == PropertyListInput::Format::kJSON ? "JSON" : "a property list", *input.mFault ) );
+    return input;
+}

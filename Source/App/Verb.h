@@ -1,0 +1,54 @@
+// A verb of the program, as "plist print". To add one: derive from Verb, declare the options in the constructor, and
+// make the object in a function Add...Verbs that Program.cpp calls. Verbs are made at each run, so that
+// nothing happens at start-up; making one must be cheap, and whatever costs time belongs into Run. Main thread.
+#pragma once
+
+#include "App/FileInput.h"
+#include "App/Output.h"
+
+#include <memory>
+#include <vector>
+
+namespace CLI
+{
+class App;
+}
+
+/// The exit status of the program.
+enum class ExitStatus : int {
+    kDone = 0,
+    kFailed = 1,     ///< failed, differs, is invalid, or would have lost something
+    kWrongUsage = 2, ///< the arguments make no sense; nothing was done
+};
+
+/// What a verb works with.
+struct VerbContext
+{
+    Output& mOutput;
+    const FileInput& mInput;
+};
+
+class Verb
+{
+public:
+    /// The command has to outlive the verb.
+    explicit Verb( CLI::App& ioCommand ) : mCommand( ioCommand ) {}
+    virtual ~Verb() = default;
+    Verb( const Verb& ) = delete;
+    Verb& operator=( const Verb& ) = delete;
+
+    /// After parsing: is this the verb that was asked for?
+    [[nodiscard]] bool WasAskedFor() const;
+
+    /// Does the work. Failures are told through Output::Complain, one sentence each; an exception that gets
+    /// out is told likewise by the caller.
+    [[nodiscard]] virtual ExitStatus Run( VerbContext& ioContext ) = 0;
+
+private:
+    CLI::App& mCommand;
+};
+
+using VerbList = std::vector<std::unique_ptr<Verb>>;
+
+/// "plist print", "plist convert", "plist verify" and "plist compare".
+void AddPropertyListVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
