@@ -79,8 +79,11 @@ PropertyListInput ReadPropertyListFile( const FileInput& inInput, const std::str
     const XBytes bytes = inInput.Read( inPath );
     PropertyListInput input = ReadAnyPropertyList( bytes.Span() );
     if ( input.mFault )
-        throw FileTrouble(
-            fmt::format( "{} can't be understood as {}: {}; a whole copy of it is needed", QuotedPath( inPath ),
-                input.mFormat == PropertyListInput::Format::kJSON ? "JSON" : "a property list", *input.mFault ) );
+    {
+        const bool isJSON = input.mFormat == PropertyListInput::Format::kJSON;
+        throw FileTrouble( fmt::format( "{} can't be understood as {}: {}; {}", QuotedPath( inPath ),
+            isJSON ? "JSON" : "a property list", *input.mFault,
+            isJSON ? "mend it there" : "try another copy of the file" ) );
+    }
     return input;
 }

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <fmt/format.h>
 #include <new>
 
 bool Verb::WasAskedFor() const
@@ -48,7 +49,10 @@ std::string UsageMessage( const CLI::App& inCommand, const CLI::ParseError& inEr
         inCommand.get_subcommands( []( const CLI::App* ) { return true; } ).empty() )
         return inError.what();
     const std::vector<std::string> unknown = inCommand.remaining();
-    return unknown.empty() ? "a verb is missing" : "there is no verb “" + unknown.front() + "”";
+    if ( unknown.empty() )
+        return "a verb is missing";
+    const char* const kind = unknown.front().starts_with( '-' ) ? "option" : "verb";
+    return fmt::format( "there is no {} “{}” here", kind, unknown.front() );
 }
 
 ExitStatus ComplainAboutUsage( const CLI::App& inProgram, const CLI::ParseError& inError, Output& ioOutput )

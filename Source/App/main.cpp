@@ -76,8 +76,8 @@ int main( int inCount, char** inArguments )
     if ( const int error = outputBuffer.Finish() )
     {
         status = ExitStatus::kFailed;
-        // Who closes the pipe, as "head" does, has what he wanted.
-        if ( error != EPIPE )
+        // Who closes the pipe, as "head" does, or gives us no output at all, wants nothing more.
+        if ( error != EPIPE and error != EBADF )
             output.Complain(
                 "can't write standard output: " + std::generic_category().message( error ) + "; check where it leads" );
     }
