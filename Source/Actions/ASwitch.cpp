@@ -28,10 +28,13 @@ bool ASwitch::IsEmptyOfActions() const
         ( mCaseEntries->GetCount() == 1 and mCaseEntries->GetCaseEntry( 0 )->GetActionList().Empty() );
 }
 
-void ASwitch::DoForEverySubAction( const HActionList::Block& inBlock ) const
+void ASwitch::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const
 {
     for ( HCaseEntryList::Index i = 0; i < mCaseEntries->GetCount(); ++i )
-        mCaseEntries->GetCaseEntry( i )->GetActionList().DoForEveryActionAndSubAction( inBlock );
+    {
+        const HCaseEntry& entry = *mCaseEntries->GetCaseEntry( i );
+        inBlock( entry.GetDescription(), entry.GetActionList() );
+    }
 }
 
 void ASwitch::AddMatchStrings( StringSearchee& ioSearchee ) const
@@ -39,11 +42,6 @@ void ASwitch::AddMatchStrings( StringSearchee& ioSearchee ) const
     HBaseAction::AddMatchStrings( ioSearchee );
     mSource.AddMatchStrings( ioSearchee );
     mCaseEntries->AddMatchStringsForConditions( ioSearchee );
-}
-
-void ASwitch::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const
-{
-    mCaseEntries->AddMatchStringsForActions( ioSearchee );
 }
 
 std::vector<Text> ASwitch::ActionCouldBeRegExStrings() const

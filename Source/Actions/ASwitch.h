@@ -15,9 +15,8 @@ public:
     [[nodiscard]] bool HasSubActions() const override { return true; }
     /// With two branches there is something to keep, even when neither has actions.
     [[nodiscard]] bool IsEmptyOfActions() const override;
-    void DoForEverySubAction( const HActionList::Block& inBlock ) const override;
+    void DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const override;
     void AddMatchStrings( StringSearchee& ioSearchee ) const override;
-    void AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const override;
     [[nodiscard]] std::vector<Text> ActionCouldBeRegExStrings() const override;
 
     [[nodiscard]] std::shared_ptr<HCaseEntryList> AppleScriptGetCaseEntryList() const { return mCaseEntries; }

@@ -9,8 +9,7 @@ class HOneListAction : public HBaseAction, public HAppleScriptActionList
 public:
     [[nodiscard]] bool HasSubActions() const override { return true; }
     [[nodiscard]] bool IsEmptyOfActions() const override;
-    void DoForEverySubAction( const HActionList::Block& inBlock ) const override;
-    void AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const override;
+    void DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const override;
 
     [[nodiscard]] std::shared_ptr<HActionList> GetActionList() const override { return mActions.GetShared(); }
     [[nodiscard]] bool GetActionListDisclosed() const override { return mActions.mDisclosed; }

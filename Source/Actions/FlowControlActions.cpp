@@ -46,14 +46,9 @@ bool HOneListAction::IsEmptyOfActions() const
     return mActions.GetList().Empty();
 }
 
-void HOneListAction::DoForEverySubAction( const HActionList::Block& inBlock ) const
+void HOneListAction::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const
 {
-    mActions.GetList().DoForEveryActionAndSubAction( inBlock );
-}
-
-void HOneListAction::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const
-{
-    mActions.GetList().AddMatchStrings( ioSearchee );
+    inBlock( {}, mActions.GetList() );
 }
 
 void HOneListAction::DescribeActions( HFieldVisitor& inVisitor )
@@ -75,16 +70,10 @@ bool AIfThenElse::IsEmptyOfActions() const
     return mThenActions.GetList().Empty() and mElseActions.GetList().Empty();
 }
 
-void AIfThenElse::DoForEverySubAction( const HActionList::Block& inBlock ) const
+void AIfThenElse::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const
 {
-    mThenActions.GetList().DoForEveryActionAndSubAction( inBlock );
-    mElseActions.GetList().DoForEveryActionAndSubAction( inBlock );
-}
-
-void AIfThenElse::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const
-{
-    mThenActions.GetList().AddMatchStrings( ioSearchee );
-    mElseActions.GetList().AddMatchStrings( ioSearchee );
+    inBlock( kvr_localized( u"kvIfThenElseThen" ), mThenActions.GetList() );
+    inBlock( kvr_localized( u"kvIfThenElseElse" ), mElseActions.GetList() );
 }
 
 Text AIfThenElse::InternalGetActionDescriptionString() const

@@ -12,8 +12,7 @@ public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
     [[nodiscard]] bool HasSubActions() const override { return true; }
     [[nodiscard]] bool IsEmptyOfActions() const override;
-    void DoForEverySubAction( const HActionList::Block& inBlock ) const override;
-    void AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const override;
+    void DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const override;
 
     [[nodiscard]] HActionList& AppleScriptGetThenActionList() const { return mThenActions.GetList(); }
     [[nodiscard]] HActionList& AppleScriptGetElseActionList() const { return mElseActions.GetList(); }

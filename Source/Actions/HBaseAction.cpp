@@ -297,7 +297,13 @@ bool HBaseAction::IsEmptyOfActions() const
     return true;
 }
 
-void HBaseAction::DoForEverySubAction( const HActionList::Block& ) const {}
+void HBaseAction::DoForEverySubActionList( const HActionList::ListBlock& ) const {}
+
+void HBaseAction::DoForEverySubAction( const HActionList::Block& inBlock ) const
+{
+    DoForEverySubActionList(
+        [&inBlock]( TextView, const HActionList& list ) { list.DoForEveryActionAndSubAction( inBlock ); } );
+}
 
 // The identity for scripts
 

@@ -112,6 +112,9 @@ public:
 
     [[nodiscard]] virtual bool HasSubActions() const;
     [[nodiscard]] virtual bool IsEmptyOfActions() const;
+    /// Each list that the action holds, with the words that introduce it ("" for the only one). The words are texts
+    /// of the call.
+    virtual void DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const;
     virtual void DoForEverySubAction( const HActionList::Block& inBlock ) const;
 
     // Words. A title is the type's; a description tells what this action does.

@@ -150,4 +150,8 @@ void HBaseAction::AddMatchStrings( StringSearchee& ioSearchee ) const
         ioSearchee.Add( std::move( words ) );
 }
 
-void HBaseAction::AddMatchStringsForSubActions( StringSearchee& ) const {}
+void HBaseAction::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const
+{
+    DoForEverySubActionList(
+        [&ioSearchee]( TextView, const HActionList& list ) { list.AddMatchStrings( ioSearchee ); } );
+}

@@ -24,7 +24,7 @@ void SetUp( CLI::App& ioProgram )
     ioProgram.require_subcommand( 1 );
     ioProgram.footer( "“-” as a file is standard input, or standard output.\n"
                       "Status: 0 done; 1 failed, differs or would lose something; 2 wrong usage.\n"
-                      "Try: korvalen plist print --help" );
+                      "Try: korvalen check --help" );
 }
 
 /// The innermost command that was named: what a complaint about the arguments should point to.
@@ -82,6 +82,8 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         CLI::App program;
         VerbList verbs;
         SetUp( program );
+        AddCheckVerb( program, verbs );
+        AddMacrosFileVerbs( program, verbs );
         AddPropertyListVerbs( program, verbs );
         try
         {

@@ -52,3 +52,9 @@ using VerbList = std::vector<std::unique_ptr<Verb>>;
 
 /// "plist print", "plist convert", "plist verify" and "plist compare".
 void AddPropertyListVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "check".
+void AddCheckVerb( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "list", "show" and "convert".
+void AddMacrosFileVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
