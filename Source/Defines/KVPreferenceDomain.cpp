@@ -101,7 +101,7 @@ __SafeCFPropertyList KVPreferenceDomain::Find( const XKey& inKey ) const
 /// from being given to another. Size and time show a change in place, by hand.
 bool KVPreferenceDomain::IsUnchanged()
 {
-    XFileFacts facts;
+    XFileStatus facts;
     if ( not mHasRead )
         return false;
     if ( mCalls.GetPathFacts( mFile, facts ) < 0 )
@@ -128,14 +128,14 @@ void KVPreferenceDomain::ReadFile()
     mOpenFile = {};
 
     // Asked first, because opening a pipe that somebody put there would wait for its writer.
-    XFileFacts facts;
+    XFileStatus facts;
     if ( mCalls.GetPathFacts( mFile, facts ) < 0 )
     {
         if ( errno != ENOENT )
             mFault = XFileError{ "look at", mFile, errno, std::generic_category().message( errno ), {} }.Describe();
         return;
     }
-    if ( facts.mKind != XFileFacts::Kind::kRegular )
+    if ( facts.mKind != XFileStatus::Kind::kRegular )
     {
         mFault = XFileError{ "read", mFile, 0, "it isn't a file", {} }.Describe();
         return;
@@ -236,7 +236,7 @@ std::optional<std::string> KVPreferenceDomain::SetDamagedFileAside()
         return mFault + "; nothing is written over it";
     const std::string base = WithPath( ".damaged-", mFile ) + UTCStamp( XClock::Current().Now() );
     std::filesystem::path copy = base;
-    XFileFacts facts;
+    XFileStatus facts;
     for ( int i = 2; i < kMostCopies and mCalls.GetLinkFacts( copy, facts ) == 0; ++i )
         copy = base + "-" + std::to_string( i );
     if ( const auto error = XAtomicFile::Write( copy, mDamaged.Span(), XAtomicFile::Links::kReplace, mCalls ) )

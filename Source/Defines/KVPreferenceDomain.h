@@ -67,7 +67,7 @@ private:
     std::map<std::string, __SafeCFPropertyList, std::less<>> mUnsaved; ///< null to remove
 
     bool mHasRead = false;
-    XFileFacts mFacts;              ///< of the file that was read last, if mOpenFile is open
+    XFileStatus mFacts;             ///< of the file that was read last, if mOpenFile is open
     XOpenFile mOpenFile;            ///< it, held open: see IsUnchanged
     XBytes mDamaged;                ///< its bytes, if they can't be understood
     std::string mFault;             ///< why it can't be read or understood; "" when it can, or isn't there

@@ -292,6 +292,24 @@ bool Set( const PreferenceID& inID, const std::set<Text>& inSet )
     return Set( inID, __SafeCFPropertyList( array.Seal() ) );
 }
 
+void Start()
+{
+    // The log asks for them by key in the application's own domain.
+    XErrorHandler::SetPreferenceSource( {
+        .mText = []( TextView inKey ) -> std::optional<Text> {
+            const std::string key = UTF8FromText( inKey );
+            const XText text = Get( PreferenceID( kEditorDomain, key ), XText() );
+            return text.IsNull() ? std::nullopt : std::optional( text.GetText() );
+        },
+        .mBoolean = []( TextView inKey ) -> std::optional<bool> {
+            const std::string key = UTF8FromText( inKey );
+            bool value = false;
+            const ErrorCode code = Get( PreferenceID( kEditorDomain, key ), &value, false );
+            return code == kFound ? std::optional( value ) : std::nullopt;
+        },
+    } );
+}
+
 bool WriteUnsaved()
 {
     const auto state = CurrentState();

@@ -84,6 +84,9 @@ bool Set( const PreferenceID& inID, Integer inValue )
     return Set( inID, std::int64_t( inValue ) );
 }
 
+/// Lets the log read its own settings, "Debug" and "AssertBeep". Once, at start-up, when the folder is known.
+void Start();
+
 /// Tries again what couldn't be written. True when nothing is left.
 bool WriteUnsaved();
 

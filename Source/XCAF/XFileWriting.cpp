@@ -24,14 +24,14 @@ constexpr int kMostInterruptions = 100;         // a signal may interrupt a call
 constexpr int kMostNames = 16;
 constexpr std::size_t kFirstPipeRead = 64 * 1024;
 
-XFileFacts FactsFrom( const struct stat& inStat )
+XFileStatus FactsFrom( const struct stat& inStat )
 {
-    XFileFacts facts;
-    facts.mKind = S_ISREG( inStat.st_mode ) ? XFileFacts::Kind::kRegular
-        : S_ISDIR( inStat.st_mode )         ? XFileFacts::Kind::kFolder
-        : S_ISLNK( inStat.st_mode )         ? XFileFacts::Kind::kLink
-        : S_ISFIFO( inStat.st_mode )        ? XFileFacts::Kind::kPipe
-                                            : XFileFacts::Kind::kOther;
+    XFileStatus facts;
+    facts.mKind = S_ISREG( inStat.st_mode ) ? XFileStatus::Kind::kRegular
+        : S_ISDIR( inStat.st_mode )         ? XFileStatus::Kind::kFolder
+        : S_ISLNK( inStat.st_mode )         ? XFileStatus::Kind::kLink
+        : S_ISFIFO( inStat.st_mode )        ? XFileStatus::Kind::kPipe
+                                            : XFileStatus::Kind::kOther;
     facts.mMode = std::uint32_t( inStat.st_mode ) & 07777;
     facts.mDevice = std::uint64_t( inStat.st_dev );
     facts.mFile = std::uint64_t( inStat.st_ino );
@@ -145,7 +145,7 @@ int XFileCalls::MakeFolder( const std::filesystem::path& inPath )
     return ::mkdir( inPath.c_str(), 0700 );
 }
 
-int XFileCalls::GetFacts( int inFile, XFileFacts& outFacts )
+int XFileCalls::GetFacts( int inFile, XFileStatus& outFacts )
 {
     struct stat status = {};
     const int result = ::fstat( inFile, &status );
@@ -153,7 +153,7 @@ int XFileCalls::GetFacts( int inFile, XFileFacts& outFacts )
     return result;
 }
 
-int XFileCalls::GetPathFacts( const std::filesystem::path& inPath, XFileFacts& outFacts )
+int XFileCalls::GetPathFacts( const std::filesystem::path& inPath, XFileStatus& outFacts )
 {
     struct stat status = {};
     const int result = ::stat( inPath.c_str(), &status );
@@ -161,7 +161,7 @@ int XFileCalls::GetPathFacts( const std::filesystem::path& inPath, XFileFacts& o
     return result;
 }
 
-int XFileCalls::GetLinkFacts( const std::filesystem::path& inPath, XFileFacts& outFacts )
+int XFileCalls::GetLinkFacts( const std::filesystem::path& inPath, XFileStatus& outFacts )
 {
     struct stat status = {};
     const int result = ::lstat( inPath.c_str(), &status );
@@ -249,7 +249,7 @@ private:
 
     std::optional<XFileError> FindTarget( XAtomicFile::Links inLinks )
     {
-        XFileFacts facts;
+        XFileStatus facts;
         for ( int links = 0;; ++links )
         {
             if ( Uninterrupted( [&] { return mCalls.GetLinkFacts( mTarget, facts ); } ) < 0 )
@@ -258,7 +258,7 @@ private:
                     return std::nullopt;
                 return SystemError( "look at", mTarget, errno );
             }
-            if ( facts.mKind != XFileFacts::Kind::kLink )
+            if ( facts.mKind != XFileStatus::Kind::kLink )
                 break;
             if ( inLinks == XAtomicFile::Links::kReplace )
                 return std::nullopt;
@@ -269,7 +269,7 @@ private:
                 return SystemError( "follow link", mTarget, errno );
             mTarget = FolderOf( mTarget ) / next; // an absolute path stands alone
         }
-        if ( facts.mKind != XFileFacts::Kind::kRegular )
+        if ( facts.mKind != XFileStatus::Kind::kRegular )
             return OwnError( "replace", mTarget, "it isn't a regular file" );
         mMode = facts.mMode & kPermissionBits;
         return std::nullopt;
@@ -346,7 +346,7 @@ XFileContent ReadWholeFile( int inFile, const std::filesystem::path& inPath, std
         result.mError = SystemError( "look at", inPath, errno );
         return result;
     }
-    using enum XFileFacts::Kind;
+    using enum XFileStatus::Kind;
     if ( result.mFacts.mKind != kRegular and result.mFacts.mKind != kPipe )
     {
         result.mError = OwnError(

@@ -16,7 +16,7 @@
 #include <utility>
 
 /// What the file system knows of a path or a descriptor.
-struct XFileFacts
+struct XFileStatus
 {
     enum class Kind : std::uint8_t { kRegular, kFolder, kLink, kPipe, kOther };
 
@@ -26,7 +26,7 @@ struct XFileFacts
     std::uint64_t mSize = 0;
     std::int64_t mModifiedSeconds = 0, mModifiedNanoseconds = 0; ///< since 1970
 
-    friend bool operator==( const XFileFacts&, const XFileFacts& ) = default;
+    friend bool operator==( const XFileStatus&, const XFileStatus& ) = default;
 };
 
 /// The system calls that files need, with the results of POSIX: -1 and `errno` on failure.
@@ -51,9 +51,9 @@ public:
     virtual int Rename( const std::filesystem::path& inFrom, const std::filesystem::path& inTo );
     virtual int Unlink( const std::filesystem::path& inPath );
     virtual int MakeFolder( const std::filesystem::path& inPath ); ///< mode 0700
-    virtual int GetFacts( int inFile, XFileFacts& outFacts );
-    virtual int GetPathFacts( const std::filesystem::path& inPath, XFileFacts& outFacts ); ///< follows links
-    virtual int GetLinkFacts( const std::filesystem::path& inPath, XFileFacts& outFacts ); ///< of a link itself
+    virtual int GetFacts( int inFile, XFileStatus& outFacts );
+    virtual int GetPathFacts( const std::filesystem::path& inPath, XFileStatus& outFacts ); ///< follows links
+    virtual int GetLinkFacts( const std::filesystem::path& inPath, XFileStatus& outFacts ); ///< of a link itself
     virtual int ReadLink( const std::filesystem::path& inPath, std::filesystem::path& outTarget );
 
     /// The calls of the system. It has no state.
@@ -93,7 +93,7 @@ enum class Links : std::uint8_t {
 struct XFileContent
 {
     XBytes mBytes; ///< empty when there is an error
-    XFileFacts mFacts;
+    XFileStatus mFacts;
     std::optional<XFileError> mError;
 };
 

@@ -1,5 +1,7 @@
 #include "Defines/KVIconRegistry.h"
 
+#include "Tests/Support/LogLines.h"
+
 #include <gtest/gtest.h>
 #include <set>
 
@@ -58,7 +60,12 @@ TEST( KVIconRegistry, AnUnknownNameHasNoImageAndSavesBackUnchanged )
     };
     for ( const auto& [saved, known] : kCases )
     {
+        LogLines lines;
         const XIcon icon = XIcon::FromSavedData( __SafeCFPropertyList::String( saved ) );
+        EXPECT_EQ( lines.Take(),
+            known ? std::vector<std::string>()
+                  : std::vector<std::string>{ "XIcon::FromSavedData failed to find internal icon “" +
+                        icon.GetInternalName().GetUTF8() + "” from “" + UTF8FromText( saved ) + "”" } );
         EXPECT_TRUE( icon.Defined() ) << UTF8FromText( saved );
         EXPECT_EQ( icon.GetImage().Defined(), known ) << UTF8FromText( saved );
         EXPECT_EQ( icon.GetSavedData(), __SafeCFPropertyList::String( saved ) );

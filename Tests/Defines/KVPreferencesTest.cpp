@@ -2,9 +2,11 @@
 
 #include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVPreferenceDomain.h"
+#include "Tests/Support/LogLines.h"
 #include "Tests/Support/ScratchFolder.h"
 #include "Utility/Work/Clock.h"
 #include "Utility/Work/Random.h"
+#include "XCAF/XErrorHandler.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
@@ -247,7 +249,10 @@ TEST( KVPreferences, AnIdentityIsMadeOnceAndReplacedOnlyWhenBad )
     {
         ASSERT_TRUE( KVPreferences::Set( KVPreferences::kMacUUIDID, XText( stored ) ) );
         KVPreferences::UseFolder( settings.mFolder.Path() ); // as after a new start
+        LogLines lines;
         const XText now = KVPreferences::MacUUID();
+        EXPECT_EQ( lines.Take(),
+            stays or stored.empty() ? std::vector<std::string>() : std::vector<std::string>{ "Regenerating MacUUID" } );
         EXPECT_EQ( now == TextView( stored ), stays ) << UTF8FromText( stored );
         EXPECT_EQ( KVPreferences::Get( KVPreferences::kMacUUIDID, u"" ), now );
         // Cached: what is stored later counts at the next start.
@@ -269,6 +274,25 @@ TEST( KVPreferences, AutoShowIsOneSettingOverTwo )
     KVPreferences::SetBoolean( KVPreferences::kAutoShowActionsID, true );
     KVPreferences::SetBoolean( KVPreferences::kAutoShowInsertActionByNameID, true );
     EXPECT_EQ( KVPreferences::GetAutoShow(), kInsertActionByName );
+}
+
+TEST( KVPreferences, TheLogReadsItsSettingsAndADamagedFileDoesNotStopIt )
+{
+    const OwnSettings settings;
+    XErrorHandler::ResetForTesting();
+    KVPreferences::Start();
+    Put( settings.mFolder / "com.tessarine.korvalen.editor.plist", "damaged" );
+    {
+        LogLines lines;
+        EXPECT_FALSE( XErrorHandler::MaybeShouldLog( "SomeTag" ) ); // reads, and logs the damage meanwhile
+        EXPECT_EQ( lines.Take().size(), 1u );
+    }
+    ASSERT_TRUE( KVPreferences::Set( KVPreferences::kDebugID, u"OtherTag SomeTag" ) );
+    XErrorHandler::ResetForTesting();
+    KVPreferences::Start();
+    EXPECT_TRUE( XErrorHandler::MaybeShouldLog( "SomeTag" ) );
+    EXPECT_FALSE( XErrorHandler::MaybeShouldLog( "ThirdTag" ) );
+    XErrorHandler::ResetForTesting();
 }
 
 TEST( KVPreferenceDomain, EachReadSeesWhatAnotherWroteLast )
@@ -330,6 +354,7 @@ TEST( KVPreferenceDomain, ADamagedFileReadsAsEmptyAndIsCopiedBeforeTheFirstWrite
     std::size_t copies = 0;
     for ( const std::string& damaged : kDamaged )
     {
+        LogLines lines;
         Put( file, damaged );
         KVPreferenceDomain domain( file );
         EXPECT_FALSE( domain.Get( CFSTR( "Key" ) ) );
@@ -342,6 +367,9 @@ TEST( KVPreferenceDomain, ADamagedFileReadsAsEmptyAndIsCopiedBeforeTheFirstWrite
         EXPECT_EQ( domain.Get( CFSTR( "Key" ) ), Integer( 2 ) );
         const auto names = DamagedCopies( folder.Path() );
         ASSERT_EQ( names.size(), ++copies );
+        const auto logged = lines.Take();
+        ASSERT_EQ( logged.size(), 2u ); // why it can't be understood, and where the copy is
+        EXPECT_NE( logged[1].find( names.back() ), std::string::npos ) << logged[1];
         EXPECT_TRUE( names.back().starts_with( "d.plist.damaged-20240302T000000Z" ) ) << names.back();
         EXPECT_EQ( Content( folder.Path() / names.back() ), damaged );
     }

@@ -12,7 +12,8 @@ public:
     {
         std::string name = ( std::filesystem::temp_directory_path() / "korvalen-test-XXXXXX" ).native();
         if ( not ::mkdtemp( name.data() ) )
-            throw std::filesystem::filesystem_error( "mkdtemp", name, std::error_code( errno, std::generic_category() ) );
+            throw std::filesystem::filesystem_error(
+                "mkdtemp", name, std::error_code( errno, std::generic_category() ) );
         mPath = name;
     }
     ~ScratchFolder()

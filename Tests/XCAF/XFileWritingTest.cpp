@@ -97,11 +97,11 @@ public:
             return Fails( "unlink" ) ? -1 : XFileCalls::Unlink( inPath );
         return XFileCalls::Unlink( inPath );
     }
-    int GetFacts( int inFile, XFileFacts& outFacts ) override
+    int GetFacts( int inFile, XFileStatus& outFacts ) override
     {
         return Fails( "fstat" ) ? -1 : XFileCalls::GetFacts( inFile, outFacts );
     }
-    int GetLinkFacts( const fs::path& inPath, XFileFacts& outFacts ) override
+    int GetLinkFacts( const fs::path& inPath, XFileStatus& outFacts ) override
     {
         return Fails( "lstat" ) ? -1 : XFileCalls::GetLinkFacts( inPath, outFacts );
     }

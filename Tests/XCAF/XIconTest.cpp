@@ -1,6 +1,6 @@
 #include "XCAF/XIcon.h"
 
-#include "CFMethods/PropertyListCodec.h"
+#include "Tests/Support/LogLines.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -178,7 +178,15 @@ TEST( XIcon, WhatIsNoSavedFormGivesAnUndefinedIcon )
     const __SafeCFPropertyList kValues[] = { Saved( u"" ), Saved( u"Folder" ), Saved( u"kvep-Folder" ),
         Saved( u"KVEC" ), Saved( u"KVEP" ), __SafeCFPropertyList::Integer( 5 ), nullptr };
     for ( const auto& value : kValues )
+    {
+        LogLines lines;
         EXPECT_FALSE( XIcon::FromSavedData( value ).Defined() );
+        const std::string shown = value.AsString() ? value.AsString()->GetUTF8() : value ? "number" : "(null)";
+        const auto logged = lines.Take();
+        ASSERT_EQ( logged.size(), 2u );
+        EXPECT_EQ( logged[0], "savedData is " + shown );
+        EXPECT_TRUE( logged[1].starts_with( "Assertion Failed: false" ) ) << logged[1];
+    }
     EXPECT_FALSE( XIcon().GetSavedData() );
     EXPECT_FALSE( XIcon().DimmedIcon().Defined() );
     EXPECT_FALSE( XIcon( XImage() ).Defined() );
@@ -201,8 +209,17 @@ TEST( XIcon, ACompositeHasItsDefinedPartsAndCannotBeSaved )
     EXPECT_EQ( both.GetLayers()[1], badge );
     EXPECT_EQ( both.GetSaveFormat(), XIconSaveFormat::kCantSave );
     EXPECT_EQ( XIcon( back, badge, badge ).GetLayers().size(), 3u );
-    EXPECT_EQ( XIcon( back, XIcon() ).GetLayers().size(), 1u ); // asserts
-    EXPECT_FALSE( XIcon( XIcon(), XIcon() ).Defined() );        // asserts
+
+    LogLines lines;
+    EXPECT_EQ( XIcon( back, XIcon() ).GetLayers().size(), 1u );
+    EXPECT_FALSE( XIcon( XIcon(), XIcon(), XIcon() ).Defined() );
+    EXPECT_FALSE( both.GetSavedData() );
+    const char* const kConditions[] = { "foregroundIcon.Defined()", "backgroundIcon.Defined()",
+        "foregroundIcon1.Defined()", "foregroundIcon2.Defined()", "mSaveFormat != XIconSaveFormat::kCantSave" };
+    const auto logged = lines.Take();
+    ASSERT_EQ( logged.size(), std::size( kConditions ) );
+    for ( std::size_t i = 0; i < logged.size(); ++i )
+        EXPECT_TRUE( logged[i].starts_with( std::string( "Assertion Failed: " ) + kConditions[i] ) ) << logged[i];
 }
 
 TEST( XIcon, KeyboardLayoutsAreSharedOnceCached )
