@@ -12,7 +12,7 @@ namespace
 // What the user can do about it.
 std::string AdviceFor( const XFileContent& inContent )
 {
-    if ( inContent.mFacts.mKind == XFileFacts::Kind::kFolder or inContent.mError->mCode == EISDIR )
+    if ( inContent.mFacts.mKind == XFileStatus::Kind::kFolder or inContent.mError->mCode == EISDIR )
         return "; name a file in it";
     switch ( inContent.mError->mCode )
     {
@@ -31,7 +31,7 @@ std::string AdviceFor( const XFileContent& inContent )
 
 std::string SentenceFor( const std::string& inPath, const XFileContent& inContent )
 {
-    const bool isTooLarge = inContent.mError->mCode == 0 and inContent.mFacts.mKind != XFileFacts::Kind::kFolder and
+    const bool isTooLarge = inContent.mError->mCode == 0 and inContent.mFacts.mKind != XFileStatus::Kind::kFolder and
         inContent.mFacts.mSize > FileInput::kMostBytes;
     if ( isTooLarge )
         return fmt::format( "{} is larger than the limit of {} MiB; split it first", QuotedPath( inPath ),
