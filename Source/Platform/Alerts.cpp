@@ -1,7 +1,5 @@
 #include "Platform/Alerts.h"
 
-#include <atomic>
-
 namespace
 {
 class AbsentAlerts final : public XAlerts
@@ -17,19 +15,10 @@ public:
     void Notify( TextView, TextView ) override {}
     bool IsApplicationActive() override { return false; }
 };
-
-AbsentAlerts gAbsent;
-std::atomic<XAlerts*> gAlerts{ &gAbsent };
 } // namespace
 
-XAlerts& XAlerts::Current()
+XAlerts& XAlerts::Absent()
 {
-    return *gAlerts.load( std::memory_order_acquire );
-}
-
-XAlerts::Substitute::Substitute( XAlerts& inAlerts ) : mPrevious( gAlerts.exchange( &inAlerts ) ) {}
-
-XAlerts::Substitute::~Substitute()
-{
-    gAlerts.store( mPrevious );
+    static AbsentAlerts gAbsent;
+    return gAbsent;
 }

@@ -45,19 +45,6 @@ public:
     /// Whether this application is the one that the user works with. Main thread.
     [[nodiscard]] virtual bool IsApplicationActive() = 0;
 
-    /// The set in use; the absent one unless another was installed. Any thread.
-    [[nodiscard]] static XAlerts& Current();
-
-    /// Installs a set for as long as this object lives. Main thread.
-    class Substitute
-    {
-    public:
-        explicit Substitute( XAlerts& inAlerts );
-        ~Substitute();
-        Substitute( const Substitute& ) = delete;
-        Substitute& operator=( const Substitute& ) = delete;
-
-    private:
-        XAlerts* mPrevious;
-    };
+    /// Shows nothing and drops every message; an alert is answered at once, by nobody.
+    [[nodiscard]] static XAlerts& Absent();
 };

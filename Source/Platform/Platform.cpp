@@ -1,6 +1,8 @@
 #include "Platform/Platform.h"
 
+#include "Platform/Alerts.h"
 #include "Platform/Applications.h"
+#include "Platform/ProcessNotifications.h"
 #include "Platform/SearchIndex.h"
 
 #include <atomic>
@@ -10,7 +12,12 @@ namespace
 std::atomic<const Platform*> gPlatform{ nullptr };
 }
 
-Platform::Platform() : mApplications( &XApplications::Absent() ), mSearchIndex( &XSearchIndex::Absent() ) {}
+Platform::Platform()
+    : mAlerts( &XAlerts::Absent() ),
+      mApplications( &XApplications::Absent() ),
+      mProcessNotifier( &XProcessNotifier::Absent() ),
+      mSearchIndex( &XSearchIndex::Absent() )
+{}
 
 const Platform& Platform::Current()
 {

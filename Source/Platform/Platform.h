@@ -8,7 +8,9 @@
 // one, makes a Platform of its own objects at start-up and substitutes it.
 #pragma once
 
+class XAlerts;
 class XApplications;
+class XProcessNotifier;
 class XSearchIndex;
 
 class Platform
@@ -17,11 +19,15 @@ public:
     /// The absent set.
     Platform();
 
+    [[nodiscard]] XAlerts& Alerts() const { return *mAlerts; }
     [[nodiscard]] XApplications& Applications() const { return *mApplications; }
+    [[nodiscard]] XProcessNotifier& ProcessNotifier() const { return *mProcessNotifier; }
     [[nodiscard]] XSearchIndex& SearchIndex() const { return *mSearchIndex; }
 
     // The service must outlive the platform's use.
+    void SetAlerts( XAlerts& inService ) { mAlerts = &inService; }
     void SetApplications( XApplications& inService ) { mApplications = &inService; }
+    void SetProcessNotifier( XProcessNotifier& inService ) { mProcessNotifier = &inService; }
     void SetSearchIndex( XSearchIndex& inService ) { mSearchIndex = &inService; }
 
     /// The platform in use: the absent set unless another was substituted. Any thread.
@@ -42,6 +48,8 @@ public:
     };
 
 private:
+    XAlerts* mAlerts;
     XApplications* mApplications;
+    XProcessNotifier* mProcessNotifier;
     XSearchIndex* mSearchIndex;
 };

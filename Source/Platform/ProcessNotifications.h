@@ -22,19 +22,6 @@ public:
     /// Main thread.
     virtual void SetReceiver( Receiver inReceiver ) = 0;
 
-    /// The notifier in use; the absent one unless another was installed. Any thread.
-    [[nodiscard]] static XProcessNotifier& Current();
-
-    /// Installs a notifier for as long as this object lives. Main thread.
-    class Substitute
-    {
-    public:
-        explicit Substitute( XProcessNotifier& inNotifier );
-        ~Substitute();
-        Substitute( const Substitute& ) = delete;
-        Substitute& operator=( const Substitute& ) = delete;
-
-    private:
-        XProcessNotifier* mPrevious;
-    };
+    /// Posts and hears nothing.
+    [[nodiscard]] static XProcessNotifier& Absent();
 };

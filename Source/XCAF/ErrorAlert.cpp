@@ -1,5 +1,6 @@
 #include "XCAF/ErrorAlert.h"
 
+#include "Platform/Platform.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Work/Work.h"
 
@@ -17,7 +18,7 @@ void OnMainThread( XBlock inBlock )
 void ErrorAlert::ShowText( XAlertStyle inStyle, XPlatformWindow* inWindow, Text inTitle, Text inText )
 {
     XAlert alert{ inStyle, std::move( inTitle ), std::move( inText ), { kvr_localized( u"kvOKButton" ) }, inWindow };
-    OnMainThread( [alert = std::move( alert )] { XAlerts::Current().ShowAlert( alert, {} ); } );
+    OnMainThread( [alert = std::move( alert )] { Platform::Current().Alerts().ShowAlert( alert, {} ); } );
 }
 
 void ErrorAlert::Error( XPlatformWindow* inWindow, TextView inTitle, TextView inText )
@@ -41,6 +42,6 @@ void ErrorAlert::Message( XPlatformWindow* inWindow, TextView inTitle, TextView 
 void ErrorAlert::Notify( TextView inTitle, TextView inText )
 {
     OnMainThread( [title = kvr_localized( inTitle ), text = kvr_localized( inText )] {
-        XAlerts::Current().Notify( title, text );
+        Platform::Current().Alerts().Notify( title, text );
     } );
 }

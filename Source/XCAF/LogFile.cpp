@@ -1,13 +1,14 @@
 #include "XCAF/LogFile.h"
 
-#include "CFMethods/Text.h"
-#include "Utility/Work/Random.h"
+#include "XCAF/XFileWriting.h"
 
 #include <cerrno>
 #include <fcntl.h>
+#include <span>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -59,28 +60,6 @@ std::string ReadTail( const std::filesystem::path& inPath )
     return tail;
 }
 
-// A temporary file beside it, flushed, takes its place; then the folder is flushed.
-void ReplaceFile( const std::filesystem::path& inPath, std::string_view inBytes )
-{
-    std::filesystem::path temporary = inPath;
-    temporary += "." + UTF8FromText( uuidString() );
-    const int file = ::open( temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | kOpenFlags, 0600 );
-    if ( file < 0 )
-        return;
-    const bool isWritten = WriteAll( file, inBytes ) and ::fsync( file ) == 0;
-    const bool isClosed = ::close( file ) == 0;
-    if ( not isWritten or not isClosed or ::rename( temporary.c_str(), inPath.c_str() ) != 0 )
-    {
-        ::unlink( temporary.c_str() );
-        return;
-    }
-    const int folder = ::open( inPath.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC );
-    if ( folder >= 0 )
-    {
-        ::fsync( folder );
-        ::close( folder );
-    }
-}
 } // namespace
 
 XLogFile::~XLogFile()
@@ -103,7 +82,8 @@ void XLogFile::Rotate( const std::filesystem::path& inPath )
     // Without a line feed it is one line, and better cut than lost.
     const std::size_t lineFeed = tail.find( '\n' );
     const std::size_t start = lineFeed == std::string::npos ? 0 : tail.find_first_not_of( '\n', lineFeed );
-    ReplaceFile( inPath, std::string_view( tail ).substr( std::min( start, tail.size() ) ) );
+    const auto kept = std::span( tail ).subspan( std::min( start, tail.size() ) );
+    (void)XAtomicFile::Write( inPath, { reinterpret_cast<const std::uint8_t*>( kept.data() ), kept.size() } );
 }
 
 bool XLogFile::Open( const std::filesystem::path& inPath )

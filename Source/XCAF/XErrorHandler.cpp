@@ -1,10 +1,12 @@
 #include "XCAF/XErrorHandler.h"
 
 #include "Platform/Alerts.h"
+#include "Platform/Platform.h"
 #include "Utility/Work/Clock.h"
 #include "Utility/Work/Work.h"
 #include "XCAF/LogFile.h"
 #include "XCAF/XErrorHandlerTesting.h"
+#include "XCAF/XFileWriting.h"
 
 #include <atomic>
 #include <cmath>
@@ -212,7 +214,7 @@ void BeepIfAsked()
         state.mAssertBeep = beep;
     }
     if ( beep > 0 )
-        XAlerts::Current().PlayAlertSound( XAlerts::kAlertSound );
+        Platform::Current().Alerts().PlayAlertSound( XAlerts::kAlertSound );
 }
 
 bool IsCodeLengthRight( std::size_t inLength )
@@ -257,7 +259,7 @@ void XErrorHandler::PrivateLogMessage( bool inToSystemLog, TextView inMessage )
         else
             WriteToFile( message );
         if ( inToSystemLog )
-            XAlerts::Current().SystemLog( message );
+            Platform::Current().Alerts().SystemLog( message );
     }
     catch ( const std::exception& )
     {
@@ -281,7 +283,7 @@ void XErrorHandler::PrivateAssertMessage( TextView inMessage )
 void XErrorHandler::PrivateBeep( TextView inMessage )
 {
     PrivateLogMessage( true, inMessage );
-    XAlerts::Current().PlayAlertSound( XAlerts::kAlertSound );
+    Platform::Current().Alerts().PlayAlertSound( XAlerts::kAlertSound );
 }
 
 void XErrorHandler::SetPreferenceSource( PreferenceSource inSource )
@@ -317,10 +319,7 @@ std::filesystem::path XErrorHandler::LogsFolder()
     }
     if ( folder.empty() )
         folder = DefaultLogsFolder();
-    std::error_code ignored;
-    // Logs tell what a user does: the folder is the user's alone.
-    if ( std::filesystem::create_directories( folder, ignored ) )
-        std::filesystem::permissions( folder, std::filesystem::perms::owner_all, ignored );
+    (void)MakeFolders( folder );
     return folder;
 }
 

@@ -4,6 +4,7 @@
 #include "XCAF/XErrorHandler.h"
 
 #include "Platform/Alerts.h"
+#include "Platform/Platform.h"
 
 XException::XException( TextView inMessage, const char* inFile, long inLine )
     : mLocation( kvr_format( "%s:%d", inFile, inLine ) ),
@@ -23,7 +24,7 @@ void XException::Log( TextView inWhere ) const
 
 void XException::WarnUncaught( TextView inWhere ) const
 {
-    if ( XAlerts::Current().IsApplicationActive() )
+    if ( Platform::Current().Alerts().IsApplicationActive() )
         ErrorAlert::ShowText( XAlertStyle::kCritical, nullptr,
             kvr_format( "WARNING: Uncaught Exception in %@", inWhere ), kvr_format( "%@ \n%@", mLocation, mMessage ) );
     Log( inWhere );

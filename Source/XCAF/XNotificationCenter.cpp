@@ -1,6 +1,7 @@
 #include "XCAF/XNotificationCenter.h"
 
 #include "Platform/Alerts.h"
+#include "Platform/Platform.h"
 #include "Platform/ProcessNotifications.h"
 #include "Utility/Work/Work.h"
 #include "XCAF/XErrorHandler.h"
@@ -104,7 +105,7 @@ bool CheckMainThread( const char* inFormat, TextView inName )
     const bool isMain = XIsMainThread();
     XAssertText( isMain, "[NSThread isMainThread]" );
     if ( not isMain )
-        XAlerts::Current().SystemLog( kvr_format( inFormat, inName ) );
+        Platform::Current().Alerts().SystemLog( kvr_format( inFormat, inName ) );
     return isMain;
 }
 } // namespace
@@ -146,7 +147,7 @@ void XNotificationCenter::PostNotification(
     TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool /*inDeliverImmediately*/ )
 {
     CheckMainThread( "Distributed Notification %@ sent from non-main thread", inName );
-    XProcessNotifier::Current().Post( inName, inUserInfo );
+    Platform::Current().ProcessNotifier().Post( inName, inUserInfo );
     TheCenter().DeliverSoon( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
 }
 
@@ -163,9 +164,10 @@ void XNotificationCenter::PostApplicationInternalNotification(
 
 void XNotificationCenter::ListenToOtherProcesses()
 {
-    XProcessNotifier::Current().SetReceiver( []( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo ) {
-        TheCenter().Deliver( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
-    } );
+    Platform::Current().ProcessNotifier().SetReceiver(
+        []( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo ) {
+            TheCenter().Deliver( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
+        } );
 }
 
 BlockNotificationObserver::BlockNotificationObserver( Reach inReach, TextView inName, Block inBlock )

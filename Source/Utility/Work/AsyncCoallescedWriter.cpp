@@ -1,6 +1,7 @@
 #include "Utility/Work/AsyncCoallescedWriter.h"
 
 #include "CFMethods/PropertyList.h"
+#include "Platform/Platform.h"
 #include "Platform/ProcessNotifications.h"
 #include "XCAF/XErrorHandler.h"
 
@@ -195,7 +196,7 @@ void AsyncCoallescedWriter::Notify( const std::set<Text>& inSenders )
             payload.SetBoolean( CFSTR( "Engine" ), false );
             payload.SetText( CFSTR( "From" ), TextView( sender ) );
             if ( bNotificationName )
-                XProcessNotifier::Current().Post( *bNotificationName, payload.Seal() );
+                Platform::Current().ProcessNotifier().Post( *bNotificationName, payload.Seal() );
         }
     } );
 }

@@ -57,7 +57,7 @@ std::uint64_t XSeededRandom::Next()
 Text uuidString()
 {
     std::uint64_t high = XRandom::Bits(), low = XRandom::Bits();
-    high = ( high & ~std::uint64_t( 0xF000 ) ) | 0x4000;                 // version 4
+    high = ( high & ~std::uint64_t( 0xF000 ) ) | 0x4000;                          // version 4
     low = ( low & ~( std::uint64_t( 3 ) << 62 ) ) | ( std::uint64_t( 2 ) << 62 ); // variant 1
 
     Text result;
