@@ -2,6 +2,7 @@
 
 #include "Platform/Alerts.h"
 #include "Platform/Applications.h"
+#include "Platform/FileFacts.h"
 #include "Platform/ProcessNotifications.h"
 #include "Platform/SearchIndex.h"
 
@@ -15,6 +16,7 @@ std::atomic<const Platform*> gPlatform{ nullptr };
 Platform::Platform()
     : mAlerts( &XAlerts::Absent() ),
       mApplications( &XApplications::Absent() ),
+      mFileFacts( &XDesktopFileFacts::Absent() ),
       mProcessNotifier( &XProcessNotifier::Absent() ),
       mSearchIndex( &XSearchIndex::Absent() )
 {}

@@ -10,6 +10,7 @@
 
 class XAlerts;
 class XApplications;
+class XDesktopFileFacts;
 class XProcessNotifier;
 class XSearchIndex;
 
@@ -21,12 +22,14 @@ public:
 
     [[nodiscard]] XAlerts& Alerts() const { return *mAlerts; }
     [[nodiscard]] XApplications& Applications() const { return *mApplications; }
+    [[nodiscard]] XDesktopFileFacts& FileFacts() const { return *mFileFacts; }
     [[nodiscard]] XProcessNotifier& ProcessNotifier() const { return *mProcessNotifier; }
     [[nodiscard]] XSearchIndex& SearchIndex() const { return *mSearchIndex; }
 
     // The service must outlive the platform's use.
     void SetAlerts( XAlerts& inService ) { mAlerts = &inService; }
     void SetApplications( XApplications& inService ) { mApplications = &inService; }
+    void SetFileFacts( XDesktopFileFacts& inService ) { mFileFacts = &inService; }
     void SetProcessNotifier( XProcessNotifier& inService ) { mProcessNotifier = &inService; }
     void SetSearchIndex( XSearchIndex& inService ) { mSearchIndex = &inService; }
 
@@ -50,6 +53,7 @@ public:
 private:
     XAlerts* mAlerts;
     XApplications* mApplications;
+    XDesktopFileFacts* mFileFacts;
     XProcessNotifier* mProcessNotifier;
     XSearchIndex* mSearchIndex;
 };

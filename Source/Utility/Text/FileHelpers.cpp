@@ -1,6 +1,7 @@
 #include "Utility/Text/FileHelpers.h"
 
 #include "Platform/FileFacts.h"
+#include "Platform/Platform.h"
 #include "Utility/Text/Format.h"
 #include "Utility/Text/PathHelpers.h"
 #include "Utility/Text/TextCompare.h"
@@ -100,13 +101,13 @@ std::optional<std::uint64_t> kvr_fileSize( TextView inPath )
 Text fileKind( TextView inPath )
 {
     const auto path = kvr_fileSystemPath( inPath );
-    return path ? XFileFacts::Current().GetFileKind( *path ).value_or( Text() ) : Text();
+    return path ? Platform::Current().FileFacts().GetFileKind( *path ).value_or( Text() ) : Text();
 }
 
 Text fileDisplayName( TextView inPath )
 {
     const auto path = kvr_fileSystemPath( inPath );
-    const auto name = path ? XFileFacts::Current().GetDisplayName( *path ) : std::nullopt;
+    const auto name = path ? Platform::Current().FileFacts().GetDisplayName( *path ) : std::nullopt;
     return name ? *name : lastPathComponent( inPath );
 }
 
@@ -118,7 +119,7 @@ Text displayName( TextView inPath )
 Text bundleName( TextView inPath )
 {
     const auto path = kvr_fileSystemPath( inPath );
-    const auto name = path ? XFileFacts::Current().GetBundleName( *path ) : std::nullopt;
+    const auto name = path ? Platform::Current().FileFacts().GetBundleName( *path ) : std::nullopt;
     return name ? *name : displayName( inPath );
 }
 
@@ -145,7 +146,7 @@ bool createFolder( TextView inPath )
 bool trashFile( TextView inPath )
 {
     const auto path = kvr_fileSystemPath( inPath );
-    const bool done = path and IsTaken( *path ) and XFileFacts::Current().TrashFile( *path );
+    const bool done = path and IsTaken( *path ) and Platform::Current().FileFacts().TrashFile( *path );
     return Report( "trashFile", inPath, done ? std::error_code() : ErrorOf( std::errc::operation_not_supported ) );
 }
 

@@ -1,6 +1,7 @@
 #include "Utility/Text/PathHelpers.h"
 
 #include "Platform/FileFacts.h"
+#include "Platform/Platform.h"
 #include "Utility/Text/FileHelpers.h"
 
 #include <cstdlib>
@@ -50,12 +51,15 @@ private:
     std::string mHome;
 };
 
-class KnownFacts final : public XFileFacts
+class KnownFacts final : public XDesktopFileFacts
 {
 public:
-    bool TrashFile( const fs::path& inFile ) const override { return fs::remove( inFile ); }
+    bool TrashFile( const fs::path& inFile ) override { return fs::remove( inFile ); }
     std::optional<Text> GetFileKind( const fs::path& ) const override { return u"Application"; }
     std::optional<Text> GetDisplayName( const fs::path& ) const override { return u"Shown.app"; }
+    std::optional<Text> GetBundleName( const fs::path& ) const override { return {}; }
+    std::optional<Text> GetType( const fs::path& ) const override { return {}; }
+    bool TypeConformsTo( TextView, TextView ) const override { return false; }
 };
 } // namespace
 
@@ -160,8 +164,10 @@ TEST_F( PathHelpersOnDisk, FactsOfFiles )
     EXPECT_FALSE( trashFile( file ) );
     EXPECT_TRUE( existsPath( file ) );
 
-    const KnownFacts facts;
-    const XFileFacts::Substitute substitute( facts );
+    KnownFacts facts;
+    Platform platform;
+    platform.SetFileFacts( facts );
+    const Platform::Substitute substitute( platform );
     EXPECT_EQ( fileDisplayName( file ), u"Shown.app" );
     EXPECT_EQ( displayName( file ), u"Shown" );
     EXPECT_EQ( bundleName( file ), u"Shown" );
