@@ -1,6 +1,8 @@
 #include "Utility/Text/NSStringRegularExpressions.h"
 
 #include "Judge.h"
+#include "XCAF/XErrorHandler.h"
+#include "XCAF/XErrorHandlerTesting.h"
 
 #include <gtest/gtest.h>
 #include <thread>
@@ -9,6 +11,35 @@
 namespace
 {
 using Texts = std::vector<Text>;
+
+// The log lines of a scope in which the tag "RegEx" is on.
+class RegExLog
+{
+public:
+    RegExLog()
+    {
+        XErrorHandler::ResetForTesting();
+        XErrorHandler::SetPreferenceSource( { []( TextView ) { return std::optional<Text>( u"RegEx" ); },
+            []( TextView ) { return std::optional<bool>(); } } );
+        XErrorHandler::SetSinkForTesting(
+            [this]( bool, TextView inMessage ) { mLines.push_back( UTF8FromText( inMessage ) ); } );
+    }
+    ~RegExLog()
+    {
+        XErrorHandler::SetSinkForTesting( {} );
+        XErrorHandler::SetPreferenceSource( {} );
+        XErrorHandler::ResetForTesting();
+    }
+
+    std::ptrdiff_t CountLinesWith( std::string_view inPart ) const
+    {
+        return std::count_if( mLines.begin(), mLines.end(),
+            [&]( const std::string& inLine ) { return inLine.find( inPart ) != std::string::npos; } );
+    }
+
+private:
+    std::vector<std::string> mLines;
+};
 
 Text Repeated( TextView inText, int inCount )
 {
@@ -204,4 +235,19 @@ TEST( RegularExpressions, ThreadsShareThePatterns )
         } );
     for ( std::thread& thread : threads )
         thread.join();
+}
+
+TEST( RegularExpressions, FailuresStopsAndCallsAreLoggedButNeverTheText )
+{
+    const RegExLog log;
+    EXPECT_FALSE( isMatchedByRegex( u"secret", u"(unclosed" ) );
+    EXPECT_FALSE( isMatchedByRegex( u"secret", u"(unclosed" ) );
+    EXPECT_EQ( log.CountLinesWith( "Invalid regular expression (unclosed (error: " ), 1 );
+    EXPECT_EQ( log.CountLinesWith( "isMatchedByRegex (unclosed" ), 2 );
+    EXPECT_FALSE( isMatchedByRegex( u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", u"(a+)+b" ) );
+    EXPECT_EQ( log.CountLinesWith( "Stopped regular expression (a+)+b" ), 1 );
+    EXPECT_EQ( log.CountLinesWith( "TIME_OUT" ), 1 );
+    EXPECT_FALSE( isMatchedByRegex( Repeated( u"a", 1000000 ), u"(a+)+b" ) );
+    EXPECT_EQ( log.CountLinesWith( "STACK_OVERFLOW" ), 1 );
+    EXPECT_EQ( log.CountLinesWith( "secret" ), 0 );
 }
