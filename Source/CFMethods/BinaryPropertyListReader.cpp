@@ -180,10 +180,12 @@ Reader::~Reader()
     {
         if ( frame.IsDictionary() )
         {
+            // Sorting may have shortened it since it was filled.
             XPlistDictionary::Entry* const entries = XPlistMaker::Entries( frame.Dictionary() );
-            for ( std::uint32_t i = 0; i < frame.mKeys; ++i )
+            const auto count = std::uint32_t( frame.Dictionary()->GetCount() );
+            for ( std::uint32_t i = 0; i < std::min( frame.mKeys, count ); ++i )
                 entries[i].mKey->Release();
-            for ( std::uint32_t i = 0; i < frame.mValues; ++i )
+            for ( std::uint32_t i = 0; i < std::min( frame.mValues, count ); ++i )
                 entries[i].mValue->Release();
             XPlistMaker::SetCount( frame.Dictionary(), 0 );
         }
@@ -507,7 +509,6 @@ void Reader::Finish( Frame& ioFrame )
             mUnsorted.push_back( { frame.Dictionary(), frame.mObject, frame.mReferences } );
         else
             SortDictionary( frame.Dictionary(), frame.mObject, frame.mReferences, nullptr );
-        ioFrame.mCount = ioFrame.mKeys = ioFrame.mValues = std::uint32_t( frame.Dictionary()->GetCount() );
     }
     MeasureIndex( frame.mNode ) = std::uint32_t( mMeasures.size() );
     mMeasures.push_back( frame.mMeasure );

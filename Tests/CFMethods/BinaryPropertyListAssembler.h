@@ -20,16 +20,16 @@ inline std::string BigEndian( std::uint64_t inValue, unsigned inSize )
 
 struct BinaryPropertyListAssembler
 {
-    std::vector<std::string> mObjects; ///< each with its type byte
+    std::vector<std::string> mObjects = {}; ///< each with its type byte
     unsigned mOffsetSize = 4, mReferenceSize = 1;
     std::uint64_t mRoot = 0;
     std::string mHeader = "bplist00";
 
     // What stands in the file where it isn't the truth.
-    std::vector<std::pair<std::size_t, std::uint64_t>> mFalseOffsets; ///< object, offset
-    std::optional<std::uint64_t> mFalseCount, mFalseTable;
-    std::optional<unsigned> mFalseOffsetSize, mFalseReferenceSize;
-    std::string mBeforeTrailer;
+    std::vector<std::pair<std::size_t, std::uint64_t>> mFalseOffsets = {}; ///< object, offset
+    std::optional<std::uint64_t> mFalseCount = {}, mFalseTable = {};
+    std::optional<unsigned> mFalseOffsetSize = {}, mFalseReferenceSize = {};
+    std::string mBeforeTrailer = {};
 
     /// Of an object; one beyond the last gives the table's.
     [[nodiscard]] std::uint64_t OffsetOf( std::size_t inObject ) const

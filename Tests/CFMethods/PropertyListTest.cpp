@@ -1,5 +1,6 @@
 #include "CFMethods/PropertyList.h"
 #include "CFMethods/PropertyListReadObserver.h"
+#include "Tests/CFMethods/CollidingKeys.h"
 #include "Tests/CFMethods/RandomPropertyList.h"
 #include "Tests/Support/AllocationCounter.h"
 #include "Tests/Support/SmallStack.h"
@@ -41,34 +42,6 @@ CFContainer<XPlistDictionary> DictionaryWith( __SafeCFPropertyList inValue )
     dictionary.Set( CFSTR( "Another" ), __SafeCFPropertyList::Boolean( true ) );
     dictionary.Set( CFSTR( "Key" ), std::move( inValue ) );
     return dictionary.Seal();
-}
-
-// Two units that, put behind a text, give the whole the key hash that is asked for, if there are any:
-// the hash can be run backwards over the last unit.
-std::optional<Text> WithHash( Text inText, std::uint32_t inHash )
-{
-    std::uint32_t inverse = 1;
-    for ( int i = 0; i < 5; ++i )
-        inverse *= 2 - 16777619u * inverse;
-    const std::uint32_t start = XPlistDetail::HashUnits( inText.data(), inText.size() );
-    for ( std::uint32_t unit = 0; unit < 0x10000; ++unit )
-    {
-        const std::uint32_t last = XPlistDetail::HashUnit( start, unit ) ^ ( inHash * inverse );
-        if ( last < 0x10000 )
-            return inText + char16_t( unit ) + char16_t( last );
-    }
-    return {};
-}
-
-std::vector<Text> CollidingTexts( std::size_t inCount, std::uint32_t inHash )
-{
-    std::vector<Text> texts;
-    for ( char16_t i = 0; texts.size() < inCount; ++i )
-    {
-        if ( auto text = WithHash( Text{ u'k', i }, inHash ) )
-            texts.push_back( std::move( *text ) );
-    }
-    return texts;
 }
 
 // Arrays and dictionaries in turn, each in the next.
@@ -253,7 +226,7 @@ TEST( PropertyList, KeysOfEqualContentAreOneStringForAsLongAsSomebodyHoldsIt )
 
 TEST( PropertyList, CraftedKeysOfOneHashWorkAsKeysAllTheSame )
 {
-    const std::vector<Text> names = CollidingTexts( 700, 0 );
+    const std::vector<Text> names = CollidingKeys( 700, 0 );
     const auto build = [&names] {
         XMutableDictionary dictionary;
         for ( std::size_t i = 0; i < names.size(); ++i )

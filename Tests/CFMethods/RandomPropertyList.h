@@ -16,8 +16,8 @@ struct RandomPropertyListOptions
     bool mOddReals = true;    ///< NaN with any payload, infinities, negative zero
     bool mAnyDates = true;    ///< any 64 bits; otherwise whole seconds of the years 1 to 9999
     bool mLongLengths = true; ///< now and then lengths around 255 and 65535
-    unsigned mMostDepth = 6;
-    unsigned mMostElements = 12;
+    unsigned mMostDepth = 5;
+    unsigned mMostElements = 9;
 };
 
 class RandomPropertyList

@@ -3,6 +3,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 class ScratchFolder
@@ -26,6 +28,17 @@ public:
 
     [[nodiscard]] const std::filesystem::path& Path() const { return mPath; }
     std::filesystem::path operator/( const char* inName ) const { return mPath / inName; }
+
+    void Write( const std::string& inName, std::string_view inBytes ) const
+    {
+        std::ofstream( mPath / inName, std::ios::binary ).write( inBytes.data(), std::streamsize( inBytes.size() ) );
+    }
+    /// The bytes; "" when there is no such file.
+    [[nodiscard]] std::string Read( const std::string& inName ) const
+    {
+        std::ifstream stream( mPath / inName, std::ios::binary );
+        return { std::istreambuf_iterator<char>( stream ), {} };
+    }
 
 private:
     std::filesystem::path mPath;
