@@ -39,6 +39,22 @@ std::size_t KeySlot( std::string_view inKey )
     return std::size_t( mixed >> 55 );
 }
 
+XPlistNode* MakeArray( std::span<const XPlistNode* const> inValues )
+{
+    XPlistArray* const array = XPlistMaker::NewArray( inValues.size() );
+    std::copy( inValues.begin(), inValues.end(), XPlistMaker::Slots( array ) );
+    return array;
+}
+
+XPlistNode* MakeDictionary( std::span<const XPlistNode* const> inKeysAndValues )
+{
+    XPlistDictionary* const dictionary = XPlistMaker::NewDictionary( inKeysAndValues.size() / 2 );
+    XPlistDictionary::Entry* entry = XPlistMaker::Entries( dictionary );
+    for ( std::size_t i = 0; i + 1 < inKeysAndValues.size(); i += 2 )
+        *entry++ = { static_cast<const XPlistString*>( inKeysAndValues[i] ), inKeysAndValues[i + 1] };
+    return dictionary;
+}
+
 XPlistString* MakeString( std::string_view inText )
 {
     if ( IsASCII( inText ) )
@@ -105,7 +121,6 @@ void XMLPlistBuilder::Open( XMLPlistElement inElement, std::uint64_t inOffset )
 void XMLPlistBuilder::Close()
 {
     const Frame frame = mFrames.back();
-    const XPlistNode* container = nullptr;
     if ( frame.mElement == XMLPlistElement::kPlist )
     {
         if ( mPending.empty() )
@@ -113,47 +128,30 @@ void XMLPlistBuilder::Close()
         mFrames.pop_back();
         return;
     }
-    container = frame.mElement == XMLPlistElement::kDict ? MakeDictionary( frame ) : MakeArray( frame );
+    const bool isDictionary = frame.mElement == XMLPlistElement::kDict;
+    const std::size_t count = mPending.size() - frame.mFirst;
+    if ( isDictionary and count % 2 == 1 )
+        throw XMLPlistRefusal{ "the dictionary's last key has no value" };
+    // Room for the container first: nothing may fail between its making and its being on the stack.
+    mPending.push_back( nullptr );
+    const std::span<const XPlistNode* const> values( mPending.data() + frame.mFirst, count );
+    XPlistNode* const container = isDictionary ? MakeDictionary( values ) : MakeArray( values );
+    mPending.resize( frame.mFirst + 1 );
+    mPending.back() = container;
     --mDepth;
     mFrames.pop_back();
-    mPending.push_back( container );
+    if ( isDictionary )
+        GiveUpDoubledKeys( static_cast<XPlistDictionary*>( container ), frame.mOffset );
 }
 
-const XPlistNode* XMLPlistBuilder::MakeArray( const Frame& inFrame )
-{
-    const std::size_t count = mPending.size() - inFrame.mFirst;
-    mPending.reserve( mPending.size() + 1 ); // so that nothing fails once the array owns its values
-    XPlistArray* const array = XPlistMaker::NewArray( count );
-    std::copy_n( mPending.data() + inFrame.mFirst, count, XPlistMaker::Slots( array ) );
-    mPending.resize( inFrame.mFirst );
-    return array;
-}
-
-const XPlistNode* XMLPlistBuilder::MakeDictionary( const Frame& inFrame )
-{
-    const std::size_t count = mPending.size() - inFrame.mFirst;
-    if ( count % 2 == 1 )
-        throw XMLPlistRefusal{ "the dictionary's last key has no value" };
-    mPending.reserve( mPending.size() + 1 );
-    XPlistDictionary* const dictionary = XPlistMaker::NewDictionary( count / 2 );
-    XPlistDictionary::Entry* entry = XPlistMaker::Entries( dictionary );
-    for ( std::size_t i = inFrame.mFirst; i < mPending.size(); i += 2 )
-        *entry++ = { static_cast<const XPlistString*>( mPending[i] ), mPending[i + 1] };
-    mPending.resize( inFrame.mFirst );
-
-    const std::size_t before = mGivenUp.size();
-    if ( XPlistMaker::SortEntries( dictionary, &mGivenUp ) > 0 )
-        AddNotes( before, inFrame.mOffset );
-    return dictionary;
-}
-
-// What was given up are pairs of a key and its value.
-void XMLPlistBuilder::AddNotes( std::size_t inFirstGivenUp, std::uint64_t inOffset )
+void XMLPlistBuilder::GiveUpDoubledKeys( XPlistDictionary* ioDictionary, std::uint64_t inOffset )
 {
     constexpr std::size_t kMostNotes = 100;
-    for ( std::size_t i = inFirstGivenUp; i < mGivenUp.size() and mNotes.size() < kMostNotes; i += 2 )
+    std::size_t at = mGivenUp.size(); // pairs of a key and its value are added
+    XPlistMaker::SortEntries( ioDictionary, &mGivenUp );
+    for ( ; at < mGivenUp.size() and mNotes.size() < kMostNotes; at += 2 )
     {
-        const std::string key = mGivenUp[i].AsString()->GetUTF8();
+        const std::string key = mGivenUp[at].AsString()->GetUTF8();
         mNotes.push_back( { fmt::format( "the key {} stands more than once in a dictionary; the last one counts",
                                 XMLPlistLeaf::Quoted( key ) ),
             inOffset } );

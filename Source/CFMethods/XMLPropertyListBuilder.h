@@ -69,9 +69,7 @@ private:
 
     void ReadLeaf( XMLPlistElement inElement, std::string_view inText, const XPlistNode*& outNode );
     const XPlistNode* MakeKey( std::string_view inText );
-    const XPlistNode* MakeDictionary( const Frame& inFrame );
-    const XPlistNode* MakeArray( const Frame& inFrame );
-    void AddNotes( std::size_t inFirstGivenUp, std::uint64_t inOffset );
+    void GiveUpDoubledKeys( XPlistDictionary* ioDictionary, std::uint64_t inOffset );
 
     std::size_t mMaxDepth;
     std::size_t mDepth = 0; // of dictionaries and arrays
