@@ -116,7 +116,8 @@ bool ScanDate( std::string_view inText, std::int64_t& outWhole, std::string_view
     if ( not isNegative )
         scanner.Take( '+' );
     std::int64_t year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-    if ( not( scanner.TakeNumber( year, 4, kMostYearDigits ) and scanner.Take( '-' ) and
+    // Others write early years without leading zeros.
+    if ( not( scanner.TakeNumber( year, 1, kMostYearDigits ) and scanner.Take( '-' ) and
              scanner.TakeNumber( month, 2, 2 ) and scanner.Take( '-' ) and scanner.TakeNumber( day, 2, 2 ) and
              scanner.Take( 'T' ) and scanner.TakeNumber( hour, 2, 2 ) and scanner.Take( ':' ) and
              scanner.TakeNumber( minute, 2, 2 ) and scanner.Take( ':' ) and scanner.TakeNumber( second, 2, 2 ) ) )

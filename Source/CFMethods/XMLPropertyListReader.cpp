@@ -78,11 +78,21 @@ private:
         {
             ( self.*Method )( inArguments... );
         }
+        catch ( const XMLPlistRefusal& refusal )
+        {
+            // Placed at once: expat knows where it is only while it calls.
+            self.Fail( std::make_exception_ptr( XPlistFault{ refusal.mMessage, self.OffsetOf( refusal ), {}, 0, 0 } ) );
+        }
         catch ( ... )
         {
-            self.mFailure = std::current_exception();
-            XML_StopParser( self.mParser.get(), XML_FALSE );
+            self.Fail( std::current_exception() );
         }
+    }
+
+    void Fail( std::exception_ptr inFailure )
+    {
+        mFailure = std::move( inFailure );
+        XML_StopParser( mParser.get(), XML_FALSE );
     }
 
     void Declaration( const XML_Char* inVersion, const XML_Char* inEncoding, int inStandalone );
@@ -114,6 +124,7 @@ private:
 
     // The element whose text is being gathered, and where each stretch of that text stood.
     std::optional<XMLPlistElement> mLeaf;
+    std::uint64_t mLeafOffset = 0; // of its tag
     std::string mText;
     std::vector<std::pair<std::size_t, std::uint64_t>> mStretches;
     bool mIsInCDATA = false;
@@ -183,7 +194,10 @@ void Parser::StartElement( const XML_Char* inName, const XML_Char** )
     if ( HoldsElements( *element ) )
         mBuilder.Open( *element, Offset() );
     else
+    {
         mLeaf = element;
+        mLeafOffset = Offset();
+    }
 }
 
 void Parser::EndElement( const XML_Char* )
@@ -226,8 +240,10 @@ void Parser::TakeText( std::string_view inRun, std::uint64_t inOffset )
 // Where in the document a refusal points: into the text of the element, or at the current tag.
 std::uint64_t Parser::OffsetOf( const XMLPlistRefusal& inRefusal ) const
 {
-    if ( not inRefusal.mTextOffset or mStretches.empty() )
+    if ( not inRefusal.mTextOffset )
         return Offset();
+    if ( mStretches.empty() )
+        return mLeafOffset;
     const auto after = std::upper_bound( mStretches.begin(), mStretches.end(), *inRefusal.mTextOffset,
         []( std::size_t inAt, const auto& stretch ) { return inAt < stretch.first; } );
     const auto& [at, offset] = *std::prev( after );
@@ -250,8 +266,8 @@ void Parser::RefuseParserError() const
         Refuse( "the document ends early", mInput.size() );
     case XML_ERROR_TAG_MISMATCH:
         Refuse( fmt::format( "the end tag {} isn't that of the open element",
-                    XMLPlistLeaf::Quoted( rest.substr( 0, rest.find( '>' ) + 1 ) ) ),
-            offset );
+                    XMLPlistLeaf::Quoted( rest.substr( 0, rest.find( '>' ) ) ) ),
+            offset ); // of the name
     case XML_ERROR_UNDEFINED_ENTITY:
         Refuse( fmt::format( "the entity {} isn't defined",
                     XMLPlistLeaf::Quoted( rest.substr( 1, rest.substr( 1 ).find( ';' ) ) ) ),
@@ -269,16 +285,7 @@ void Parser::Parse()
 {
     const XML_Status status = XML_Parse( mParser.get(), mInput.data(), int( mInput.size() ), XML_TRUE );
     if ( mFailure )
-    {
-        try
-        {
-            std::rethrow_exception( mFailure );
-        }
-        catch ( const XMLPlistRefusal& refusal )
-        {
-            Refuse( refusal.mMessage, OffsetOf( refusal ) );
-        }
-    }
+        std::rethrow_exception( mFailure );
     if ( status != XML_STATUS_OK )
         RefuseParserError();
 }
