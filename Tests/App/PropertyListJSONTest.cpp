@@ -25,15 +25,17 @@ TEST( PropertyListJSON, EveryValueComesBackToTheBitAndIsJSONToAnotherReader )
 {
     for ( std::uint64_t seed = 1; seed <= 1000; ++seed )
     {
-        const __SafeCFPropertyList value = RandomPropertyList( seed ).Next();
+        RandomPropertyListOptions options;
+        options.mLongLengths = seed % 100 == 0; // they take most of the time and show little
+        const __SafeCFPropertyList value = RandomPropertyList( seed, options ).Next();
         const std::string json = WritePropertyListJSON( value );
         const XPlistJSONResult read = Read( json );
         ASSERT_TRUE( read.mValue ) << "seed " << seed << ": " << read.mFault->Describe() << "\n" << json;
         ASSERT_EQ( read.mValue, value ) << "seed " << seed << "\n" << json;
         ASSERT_TRUE( read.mNotes.empty() ) << seed;
         // The other reader refuses lone surrogates, which are the only escapes that begin so.
-        if ( json.find( "\\uD" ) == json.npos )
-            ASSERT_TRUE( nlohmann::json::accept( json ) ) << "seed " << seed << "\n" << json;
+        const bool hasLoneSurrogates = json.find( "\\uD" ) != json.npos;
+        ASSERT_TRUE( hasLoneSurrogates or nlohmann::json::accept( json ) ) << "seed " << seed << "\n" << json;
     }
 }
 

@@ -50,7 +50,9 @@ TEST( PropertyListVerbs, ConvertThereAndBackIsIdentityByEveryWay )
 {
     for ( std::uint64_t seed = 1; seed <= 300; ++seed )
     {
-        const std::string binary = Binary( RandomPropertyList( seed ).Next() );
+        RandomPropertyListOptions options;
+        options.mLongLengths = seed % 100 == 0;
+        const std::string binary = Binary( RandomPropertyList( seed, options ).Next() );
         const KorvalenResult json = RunKorvalenWith( { "plist", "convert", "--to", "json", "-" }, binary );
         EXPECT_EQ( json.mStatus, 0 ) << seed << json.mErrors;
         EXPECT_EQ( RunKorvalenWith( { "plist", "convert", "--to", "binary", "-" }, json.mOutput ).mOutput, binary )
