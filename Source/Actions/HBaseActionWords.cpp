@@ -1,10 +1,10 @@
 // What people see of any action: its titles, descriptions, help page and icons, and what a search finds.
 #include "Actions/HBaseAction.h"
-#include "Actions/HHelpLinks.h"
 
 #include "Defines/KVIconRegistry.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
+#include "Utility/Text/URLFields.h"
 #include "XCAF/XErrorHandler.h"
 
 namespace
@@ -114,7 +114,7 @@ Text HBaseAction::WikiName() const
 
 Text HBaseAction::WikiURL() const
 {
-    return HHelpLinks::Link( u"action", WikiName() );
+    return kvr_localizedFormat( u"kvHelpLinkFormat", TextView( u"action" ), encodeURLField( WikiName() ) );
 }
 
 // Icons
