@@ -134,7 +134,7 @@ std::unique_ptr<HBaseAction> CreateActionForDraggedPath( const std::filesystem::
 {
     // "/a/b/" names what "/a/b" names.
     const std::filesystem::path path = inPath.has_filename() ? inPath : inPath.parent_path();
-    const Text name = TextFromUTF8( path.filename().native() );
+    const Text name = TextFromUTF8( path.has_filename() ? path.filename().native() : path.native() );
     const auto titled = [&]( const char16_t* inFormatKey, TextView inName, std::unique_ptr<HBaseAction> inAction ) {
         outTitle = kvr_localizedFormat( inFormatKey, inName );
         return inAction;

@@ -7,6 +7,7 @@
 #include "Actions/HCaseEntry.h"
 #include "Actions/TextActions.h"
 #include "Utility/Text/Localization.h"
+#include "XCAF/XIcon.h"
 
 #include <fstream>
 #include <sstream>
@@ -168,10 +169,14 @@ TEST( ActionCatalogue, TimeOutsAndFailuresAreThoseOfTheTable )
         EXPECT_EQ( KeyOf( action->GetActionType() ).GetUTF8(), type.mKey );
         EXPECT_EQ( action->HasTimeOut(), type.mTimeOut != "-" ) << type.mKey;
         if ( type.mTimeOut != "-" )
+        {
             EXPECT_EQ( action->DefaultTimeOutPeriod(), std::stod( type.mTimeOut ) ) << type.mKey;
+        }
         EXPECT_EQ( action->ActionCanFail(), type.mFailure != "-" ) << type.mKey;
         if ( action->ActionCanFail() )
+        {
             EXPECT_EQ( action->DefaultStopOnFailure(), type.mFailure == "stop" ) << type.mKey;
+        }
     }
 }
 
@@ -213,10 +218,14 @@ TEST( ActionCatalogue, ReadingADictionaryOfNothingGivesTheDefaultsOrQuotesWhatIs
         for ( const CatalogueKey& key : type.mKeys )
             required = key.mKind == "required" ? &key : required;
         if ( required )
+        {
             EXPECT_EQ( ReadFailure( type.Bare() ),
                 "dictionary->Get( CFSTR(\"" + required->mKey + "\"), " + required->mValue + " )" );
+        }
         else
+        {
             EXPECT_EQ( Reloaded( type.Bare() ), ExpectedSave( type, false ) ) << Shown( Reloaded( type.Bare() ) );
+        }
     }
 }
 

@@ -331,7 +331,7 @@ TEST( HBaseAction, ADroppedFileGivesTheActionThatFitsItsName )
         const char* mType;
         const char* mTitle;
     } const kCases[] = {
-        { "/", "Open1File", "Open ‘’" },
+        { "/", "Open1File", "Open ‘/’" },
         { "/usr/", "Open1File", "Open ‘usr’" },
         { "/none/a.scpt", "ExecuteAppleScript", "Execute ‘a.scpt’" },
         { "/none/a.workflow", "ExecuteWorkflow", "Execute ‘a.workflow’" },
