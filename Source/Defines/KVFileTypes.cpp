@@ -2,6 +2,7 @@
 
 #include "CFMethods/PropertyListCodec.h"
 #include "Platform/FileFacts.h"
+#include "Platform/Platform.h"
 
 #include <algorithm>
 #include <fstream>
@@ -27,7 +28,7 @@ bool HasExtension( const Path& inPath, Extensions inExtensions )
 
 bool HasType( const Path& inPath, Types inTypes )
 {
-    const XFileFacts& facts = XFileFacts::Current();
+    const XDesktopFileFacts& facts = Platform::Current().FileFacts();
     const std::optional<Text> type = facts.GetType( inPath );
     return type and std::any_of( inTypes.begin(), inTypes.end(), [&]( TextView other ) {
         return *type == other or facts.TypeConformsTo( *type, other );
