@@ -62,8 +62,8 @@ PropertyListCompareVerb::PropertyListCompareVerb( CLI::App& ioCommand ) : Verb( 
     ioCommand.add_option( "NEW", mNewPath, "The one to compare it with" )->required()->type_name( "" );
     ioCommand.add_flag( "--json", mJSON, "Print the differences as JSON, with both values whole" );
     ioCommand.footer( "A line for each difference: added, removed or changed, the path, the values shortened.\n"
-                      "Elements of arrays are aligned (up to 1,000 by 1,000 between equal beginnings and ends;\n"
-                      "by index beyond); where an element moved, both paths show. Files of different form are\n"
+                      "Elements of arrays are aligned: up to 1,000 by 1,000 fully, beyond that around those that\n"
+                      "are equal and single; where one moved, both paths show. Files of different form are\n"
                       "compared by what they say. Status 0: equal; 1: different.\n"
                       "Example: korvalen plist compare \"Korvalen Macros.plist\" Backup.plist" );
 }

@@ -238,6 +238,55 @@ std::vector<Pairing> PairLeftovers( const std::vector<Pairing>& inPairings )
     return result;
 }
 
+/// The places, in both, of elements that each has exactly once: as many as stand in the same order in both.
+std::vector<std::pair<std::size_t, std::size_t>> FindAnchors(
+    const std::vector<Digest>& inOld, const std::vector<Digest>& inNew )
+{
+    struct Uses
+    {
+        std::size_t mOldCount = 0, mNewCount = 0, mOld = 0;
+    };
+    std::unordered_map<Digest, Uses> uses;
+    for ( std::size_t i = 0; i < inOld.size(); ++i )
+    {
+        Uses& use = uses[inOld[i]];
+        ++use.mOldCount;
+        use.mOld = i;
+    }
+    for ( const Digest digest : inNew )
+        ++uses[digest].mNewCount;
+
+    // The longest run of growing places in the old array, by the cards of patience: ends[n] is the candidate at
+    // which the best run of n + 1 ends, and each candidate knows the one before it in its run.
+    constexpr std::size_t kNone = std::size_t( -1 );
+    struct Candidate
+    {
+        std::size_t mOld, mNew, mBefore;
+    };
+    std::vector<Candidate> candidates;
+    std::vector<std::size_t> ends;
+    for ( std::size_t j = 0; j < inNew.size(); ++j )
+    {
+        const Uses& use = uses[inNew[j]];
+        if ( use.mOldCount != 1 or use.mNewCount != 1 )
+            continue;
+        const auto end = std::lower_bound( ends.begin(), ends.end(), use.mOld,
+            [&candidates]( std::size_t inEnd, std::size_t inPlace ) { return candidates[inEnd].mOld < inPlace; } );
+        const std::size_t before = end == ends.begin() ? kNone : *std::prev( end );
+        if ( end == ends.end() )
+            ends.push_back( candidates.size() );
+        else
+            *end = candidates.size();
+        candidates.push_back( { use.mOld, j, before } );
+    }
+
+    std::vector<std::pair<std::size_t, std::size_t>> anchors;
+    for ( std::size_t at = ends.empty() ? kNone : ends.back(); at != kNone; at = candidates[at].mBefore )
+        anchors.emplace_back( candidates[at].mOld, candidates[at].mNew );
+    std::reverse( anchors.begin(), anchors.end() );
+    return anchors;
+}
+
 class Comparison
 {
 public:
@@ -372,16 +421,56 @@ private:
             push( old.size() - i, now.size() - i );
     }
 
-    [[nodiscard]] std::vector<Pairing> PairMiddle(
-        std::span<const XPlistNode* const> inOld, std::span<const XPlistNode* const> inNew )
+    using Nodes = std::span<const XPlistNode* const>;
+
+    // Elements that stand once in both arrays split what is too long to be aligned as a whole.
+    [[nodiscard]] std::vector<Pairing> PairMiddle( Nodes inOld, Nodes inNew )
     {
-        const std::size_t longer = std::max( inOld.size(), inNew.size() );
-        const bool hasBoth = not inOld.empty() and not inNew.empty();
-        const std::size_t most = std::min( mLimits.mMostCells, mCellsLeft );
-        if ( not hasBoth or inOld.size() > most / inNew.size() )
+        std::vector<std::pair<std::size_t, std::size_t>> anchors;
+        if ( not CanAlign( inOld, inNew ) )
+            anchors = FindAnchors( DigestsOf( inOld ), DigestsOf( inNew ) );
+        anchors.emplace_back( inOld.size(), inNew.size() );
+        std::vector<Pairing> result;
+        std::size_t i = 0, j = 0;
+        for ( const auto& [oldAnchor, newAnchor] : anchors )
+        {
+            for ( Pairing pairing :
+                PairStretch( inOld.subspan( i, oldAnchor - i ), inNew.subspan( j, newAnchor - j ) ) )
+            {
+                if ( pairing.mOld )
+                    *pairing.mOld += i;
+                if ( pairing.mNew )
+                    *pairing.mNew += j;
+                result.push_back( pairing );
+            }
+            if ( oldAnchor < inOld.size() )
+                result.push_back( { oldAnchor, newAnchor } );
+            i = oldAnchor + 1;
+            j = newAnchor + 1;
+        }
+        return result;
+    }
+
+    [[nodiscard]] bool CanAlign( Nodes inOld, Nodes inNew ) const
+    {
+        return inOld.empty() or inNew.empty() or
+            inOld.size() <= std::min( mLimits.mMostCells, mCellsLeft ) / inNew.size();
+    }
+
+    [[nodiscard]] std::vector<Digest> DigestsOf( Nodes inNodes ) const
+    {
+        std::vector<Digest> result;
+        for ( const XPlistNode* const node : inNodes )
+            result.push_back( mDigests.Of( node ) );
+        return result;
+    }
+
+    [[nodiscard]] std::vector<Pairing> PairStretch( Nodes inOld, Nodes inNew )
+    {
+        if ( inOld.empty() or inNew.empty() or not CanAlign( inOld, inNew ) )
         {
             std::vector<Pairing> byIndex;
-            for ( std::size_t i = 0; i < longer; ++i )
+            for ( std::size_t i = 0; i < std::max( inOld.size(), inNew.size() ); ++i )
                 byIndex.push_back( { i < inOld.size() ? std::optional( i ) : std::nullopt,
                     i < inNew.size() ? std::optional( i ) : std::nullopt } );
             return byIndex;

@@ -29,8 +29,9 @@ struct XPlistDifferenceLimits
 {
     /// More than these are counted and not kept.
     std::size_t mMostDifferences = 100'000;
-    /// Between their common beginnings and ends two arrays are aligned when the product of their lengths is at
-    /// most this (1,000 elements each), and compared index by index beyond.
+    /// Between their common beginnings and ends two arrays are aligned as a whole when the product of their lengths is
+    /// at most this (1,000 elements each). Beyond, elements that stand once in both split them; a stretch between two of
+    /// these that is still too long is compared index by index.
     std::size_t mMostCells = 1'000'000;
     /// All alignments of one comparison together; index by index once it is used up.
     std::size_t mMostCellsTogether = 16'000'000;

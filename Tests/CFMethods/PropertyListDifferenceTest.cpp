@@ -114,7 +114,7 @@ TEST( PropertyListDifference, TheDifferencesMakeTheNewValueOutOfTheOld )
         };
         const __SafeCFPropertyList old = mixed(), now = mixed();
         XPlistDifferenceLimits limits;
-        limits.mMostCells = seed % 3 == 0 ? 0 : 1'000'000; // index by index as well
+        limits.mMostCells = seed % 3 == 0 ? 0 : seed % 3 == 1 ? 4 : 1'000'000; // by index and around anchors as well
         const XPlistDifferences differences = FindDifferences( old, now, limits );
         EXPECT_EQ( differences.mCount == 0, old == now ) << "seed " << seed;
         ASSERT_EQ( Patched( old, differences.mDifferences ), now ) << "seed " << seed << ": " << Told( differences );
@@ -137,6 +137,22 @@ TEST( PropertyListDifference, ElementsAreAlignedBeforeTheyAreCompared )
     };
     for ( const auto& [old, now, told] : kCases )
         EXPECT_EQ( Told( FindDifferences( old, now ) ), told );
+}
+
+TEST( PropertyListDifference, EditsFarApartInALongArrayStaySingle )
+{
+    const auto numbers = []( bool inIsEdited ) {
+        XMutableArray array;
+        for ( std::int64_t i = 0; i < 20'000; ++i )
+        {
+            if ( inIsEdited and i == 3 )
+                array.Append( __SafeCFPropertyList::Integer( -1 ) );
+            if ( not inIsEdited or i != 9'000 )
+                array.Append( __SafeCFPropertyList::Integer( inIsEdited and i == 15'000 ? -2 : i ) );
+        }
+        return array.Seal();
+    };
+    EXPECT_EQ( Told( FindDifferences( numbers( false ), numbers( true ) ) ), "+.[3] -.[9000] ~.[15000] " );
 }
 
 TEST( PropertyListDifference, BeyondTheLimitsItIsCountedOrComparedByIndex )
