@@ -46,7 +46,8 @@ public:
     {
         mText += "repaired " + std::string( inKey.Name() ) + ";";
     }
-    void DidReplaceUID( const XPlistDictionary&, const XText&, const XText& ) override {}
+    void DidUpgradeValue( const XPlistDictionary&, const XKey&, TextView ) override {}
+    void DidReadUID( const XPlistDictionary&, const XText&, const XText& ) override {}
 
     std::string mText;
 };
