@@ -33,7 +33,7 @@ void ASwitch::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) c
     for ( HCaseEntryList::Index i = 0; i < mCaseEntries->GetCount(); ++i )
     {
         const HCaseEntry& entry = *mCaseEntries->GetCaseEntry( i );
-        inBlock( entry.GetDescription(), entry.GetActionList() );
+        inBlock( [&entry] { return entry.GetDescription(); }, entry.GetActionList() );
     }
 }
 

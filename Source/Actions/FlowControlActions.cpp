@@ -48,7 +48,7 @@ bool HOneListAction::IsEmptyOfActions() const
 
 void HOneListAction::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const
 {
-    inBlock( {}, mActions.GetList() );
+    inBlock( [] { return Text(); }, mActions.GetList() );
 }
 
 void HOneListAction::DescribeActions( HFieldVisitor& inVisitor )
@@ -72,8 +72,8 @@ bool AIfThenElse::IsEmptyOfActions() const
 
 void AIfThenElse::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const
 {
-    inBlock( kvr_localized( u"kvIfThenElseThen" ), mThenActions.GetList() );
-    inBlock( kvr_localized( u"kvIfThenElseElse" ), mElseActions.GetList() );
+    inBlock( [] { return kvr_localized( u"kvIfThenElseThen" ); }, mThenActions.GetList() );
+    inBlock( [] { return kvr_localized( u"kvIfThenElseElse" ); }, mElseActions.GetList() );
 }
 
 Text AIfThenElse::InternalGetActionDescriptionString() const

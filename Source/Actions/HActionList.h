@@ -19,7 +19,9 @@ class HActionList
 {
 public:
     using Block = std::function<void( HBaseAction& inAction )>;
-    using ListBlock = std::function<void( TextView inWords, const HActionList& inList )>;
+    /// Makes the words that introduce a list; asked only by those who show them.
+    using Words = std::function<Text()>;
+    using ListBlock = std::function<void( const Words& inWords, const HActionList& inList )>;
     using Index = std::int64_t;
     /// What IndexOfAction answers for an action that isn't in the list.
     static constexpr Index kNotFound = std::numeric_limits<Index>::max();

@@ -301,8 +301,9 @@ void HBaseAction::DoForEverySubActionList( const HActionList::ListBlock& ) const
 
 void HBaseAction::DoForEverySubAction( const HActionList::Block& inBlock ) const
 {
-    DoForEverySubActionList(
-        [&inBlock]( TextView, const HActionList& list ) { list.DoForEveryActionAndSubAction( inBlock ); } );
+    DoForEverySubActionList( [&inBlock]( const HActionList::Words&, const HActionList& list ) {
+        list.DoForEveryActionAndSubAction( inBlock );
+    } );
 }
 
 // The identity for scripts

@@ -112,8 +112,7 @@ public:
 
     [[nodiscard]] virtual bool HasSubActions() const;
     [[nodiscard]] virtual bool IsEmptyOfActions() const;
-    /// Each list that the action holds, with the words that introduce it ("" for the only one). The words are texts
-    /// of the call.
+    /// Each list that the action holds, with what makes the words that introduce it ("" for the only one).
     virtual void DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const;
     virtual void DoForEverySubAction( const HActionList::Block& inBlock ) const;
 

@@ -153,5 +153,5 @@ void HBaseAction::AddMatchStrings( StringSearchee& ioSearchee ) const
 void HBaseAction::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const
 {
     DoForEverySubActionList(
-        [&ioSearchee]( TextView, const HActionList& list ) { list.AddMatchStrings( ioSearchee ); } );
+        [&ioSearchee]( const HActionList::Words&, const HActionList& list ) { list.AddMatchStrings( ioSearchee ); } );
 }

@@ -39,9 +39,10 @@ void PrintActions( const HActionList& inActions, std::size_t inLevel, Output& io
         ioOutput.Text( Indent( inLevel ) + fmt::format( "{}. ", ++number ), Colour::kCyan );
         ioOutput.Text( OneLine( action.GetActionDescriptionString() ) );
         ioOutput.Line( action.IsActive() ? "" : " (disabled)", Colour::kYellow );
-        action.DoForEverySubActionList( [&]( TextView words, const HActionList& list ) {
+        action.DoForEverySubActionList( [&]( const HActionList::Words& makeWords, const HActionList& list ) {
+            const Text words = makeWords();
             if ( not words.empty() )
-                ioOutput.Line( Indent( inLevel + 1 ) + OneLine( Text( words ) ) + ":", Colour::kCyan );
+                ioOutput.Line( Indent( inLevel + 1 ) + OneLine( words ) + ":", Colour::kCyan );
             PrintActions( list, inLevel + ( words.empty() ? 1 : 2 ), ioOutput );
         } );
     } );
@@ -88,9 +89,9 @@ __SafeCFPropertyList ActionsAsValue( const HActionList& inActions )
         facts.SetText( CFSTR( "description" ), action.GetActionDescriptionString() );
         facts.SetBoolean( CFSTR( "active" ), action.IsActive() );
         XMutableArray lists;
-        action.DoForEverySubActionList( [&lists]( TextView words, const HActionList& list ) {
+        action.DoForEverySubActionList( [&lists]( const HActionList::Words& makeWords, const HActionList& list ) {
             XMutableDictionary fact;
-            fact.SetText( CFSTR( "words" ), words );
+            fact.SetText( CFSTR( "words" ), makeWords() );
             fact.Set( CFSTR( "actions" ), ActionsAsValue( list ) );
             lists.Append( fact.Seal() );
         } );
