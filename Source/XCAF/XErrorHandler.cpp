@@ -21,8 +21,9 @@ namespace
 // What "Debug" says. Made once, then never changed or destroyed: any thread reads it without a lock.
 struct DebugLevel
 {
-    std::string mShould; // gShould: the words with one space before and after, or empty
-    bool mAccurateTime = false;
+    std::string mShould;             // gShould: the words with one space before and after, or empty
+    std::vector<std::string> mWords; // the same, so that a tag that is off costs a few comparisons
+    bool mIsAll = false, mAccurateTime = false;
 };
 
 // Deliberately never destroyed: other threads and late destructors log to the very end.
@@ -59,20 +60,36 @@ struct LogFileQueue
     const std::shared_ptr<XLogFile> mFile;
 };
 
-bool HasWord( std::string_view inShould, std::string_view inCode )
-{
-    char word[XErrorHandler::MAXCODELEN + 2];
-    word[0] = ' ';
-    std::memcpy( word + 1, inCode.data(), inCode.size() );
-    word[inCode.size() + 1] = ' ';
-    return inShould.find( std::string_view( word, inCode.size() + 2 ) ) != std::string_view::npos;
-}
-
 bool IsOn( const DebugLevel& inLevel, std::string_view inCode )
 {
     if ( inLevel.mShould.empty() )
         return false;
-    return inCode == "any" or inLevel.mShould == " all " or HasWord( inLevel.mShould, inCode );
+    if ( inLevel.mIsAll or inCode == "any" )
+        return true;
+    for ( const std::string& word : inLevel.mWords )
+    {
+        if ( word == inCode )
+            return true;
+    }
+    // Only a tag with a blank in it can stand there without being one of the words.
+    return inCode.find( ' ' ) != std::string_view::npos and
+        inLevel.mShould.find( " " + std::string( inCode ) + " " ) != std::string::npos;
+}
+
+DebugLevel LevelFor( const std::string& inWords )
+{
+    DebugLevel level;
+    if ( inWords.empty() )
+        return level;
+    level.mShould = " " + inWords + " ";
+    level.mIsAll = level.mShould == " all ";
+    level.mAccurateTime = level.mShould.find( " AccurateTime " ) != std::string::npos;
+    for ( std::size_t start = 1, end; ( end = level.mShould.find( ' ', start ) ) != std::string::npos; start = end + 1 )
+    {
+        if ( end > start )
+            level.mWords.push_back( level.mShould.substr( start, end - start ) );
+    }
+    return level;
 }
 
 const DebugLevel* PublishLevel( DebugLevel inLevel )
@@ -107,11 +124,7 @@ const DebugLevel* ReadLevel()
             std::uint64_t( XErrorHandler::kMaxDebugBytes ) );
         return level;
     }
-    DebugLevel made;
-    if ( not words.empty() )
-        made.mShould = " " + words + " ";
-    made.mAccurateTime = HasWord( made.mShould, "AccurateTime" );
-    const DebugLevel* level = PublishLevel( std::move( made ) );
+    const DebugLevel* level = PublishLevel( LevelFor( words ) );
     XErrorHandler::PrivateMaybeLogFormat( "any", "Debugging level set to '%s'", words );
     return level;
 }

@@ -56,5 +56,5 @@ template<class... Arguments>
 template<class... Arguments>
 [[nodiscard]] Text kvr_format( const char* inFormat, const Arguments&... inArguments )
 {
-    return kvr_format( TextView( TextFromASCII( inFormat ) ), inArguments... );
+    return kvr_format( TextView( TextFromUTF8( inFormat ) ), inArguments... ); // some formats have curly quotes
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 extern char** environ;
@@ -16,6 +17,7 @@ struct Entry
 {
     std::string mName, mValue;
     std::optional<Text> mVariable; // of the user, who is told when it gives way
+    bool mIsRemoved = false;
 
     [[nodiscard]] std::size_t Size() const { return mName.size() + 1 + mValue.size() + 1; }
 };
@@ -38,7 +40,10 @@ public:
         const std::string_view name = inEntry.substr( 0, equals );
         const bool isOwn = name.starts_with( "KVVAR_" ) or name.starts_with( "KVPARAM_" );
         if ( not ChangesWhatRuns( name ) and not( inDropOwnVariables and isOwn ) )
+        {
+            mPlaces.try_emplace( std::string( name ), mEntries.size() );
             mEntries.push_back( { std::string( name ), std::string( inEntry.substr( equals + 1 ) ), {} } );
+        }
     }
 
     void AddVariable( const XTaskVariable& inVariable )
@@ -67,70 +72,67 @@ public:
                 inVariable.mName );
             return;
         }
-        std::erase_if( mEntries, [&]( const Entry& inEntry ) { return inEntry.mName == name; } );
+        // The later of equal names counts.
+        if ( const auto [position, isNew] = mPlaces.try_emplace( name, mEntries.size() ); not isNew )
+        {
+            mEntries[position->second].mIsRemoved = true;
+            position->second = mEntries.size();
+        }
         mEntries.push_back( { std::move( name ), UTF8FromText( inVariable.mText ), inVariable.mName } );
     }
 
     // The largest first, so that as few as possible give way.
     void Fit()
     {
-        while ( IsTooLarge() )
-        {
-            Entry* largest = Largest(
-                []( const Entry& inEntry ) { return inEntry.mVariable and inEntry.mValue.size() > kTooLarge.size(); } );
-            if ( not largest )
-                break;
-            LogExcluded( *largest );
-            largest->mValue = kTooLarge;
-        }
+        for ( const Entry& entry : mEntries )
+            mSize += entry.mIsRemoved ? 0 : entry.Size();
+        const auto isLong = []( const Entry& inEntry ) {
+            return inEntry.mVariable and inEntry.mValue.size() > kTooLarge.size();
+        };
+        GiveWay( isLong, []( Entry& ioEntry ) { ioEntry.mValue = kTooLarge; } );
         if ( not IsTooLarge() )
             return;
         XErrorHandler::PrivateMaybeLogFormat(
             "display", "So many variables that environment is too large even if each is small" );
         // The user's go before the process's, which commands count on.
-        Remove( []( const Entry& inEntry ) { return inEntry.mVariable.has_value(); } );
-        Remove( []( const Entry& ) { return true; } );
+        const auto remove = []( Entry& ioEntry ) { ioEntry.mIsRemoved = true; };
+        GiveWay( []( const Entry& inEntry ) { return inEntry.mVariable.has_value(); }, remove );
+        GiveWay( []( const Entry& ) { return true; }, remove );
     }
 
     [[nodiscard]] std::vector<std::string> Take()
     {
         std::vector<std::string> result;
         for ( const Entry& entry : mEntries )
-            result.push_back( entry.mName + "=" + entry.mValue );
+        {
+            if ( not entry.mIsRemoved )
+                result.push_back( entry.mName + "=" + entry.mValue );
+        }
         return result;
     }
 
 private:
-    [[nodiscard]] bool IsTooLarge() const
-    {
-        std::size_t size = 0;
-        for ( const Entry& entry : mEntries )
-            size += entry.Size();
-        return size >= XTaskEnvironment::kMaxBytes;
-    }
+    [[nodiscard]] bool IsTooLarge() const { return mSize >= XTaskEnvironment::kMaxBytes; }
 
-    template<class Which>
-    [[nodiscard]] Entry* Largest( const Which& inWhich )
+    template<class Which, class Change>
+    void GiveWay( const Which& inWhich, const Change& inChange )
     {
-        Entry* largest = nullptr;
+        std::vector<Entry*> candidates;
         for ( Entry& entry : mEntries )
         {
-            if ( inWhich( entry ) and ( not largest or entry.Size() > largest->Size() ) )
-                largest = &entry;
+            if ( not entry.mIsRemoved and inWhich( entry ) )
+                candidates.push_back( &entry );
         }
-        return largest;
-    }
-
-    template<class Which>
-    void Remove( const Which& inWhich )
-    {
-        while ( IsTooLarge() )
+        std::stable_sort( candidates.begin(), candidates.end(),
+            []( const Entry* a, const Entry* b ) { return a->Size() > b->Size(); } );
+        for ( Entry* entry : candidates )
         {
-            Entry* largest = Largest( inWhich );
-            if ( not largest )
+            if ( not IsTooLarge() )
                 return;
-            LogExcluded( *largest );
-            mEntries.erase( mEntries.begin() + ( largest - mEntries.data() ) );
+            LogExcluded( *entry );
+            mSize -= entry->Size();
+            inChange( *entry );
+            mSize += entry->mIsRemoved ? 0 : entry->Size();
         }
     }
 
@@ -142,6 +144,8 @@ private:
     }
 
     std::vector<Entry> mEntries;
+    std::unordered_map<std::string, std::size_t> mPlaces;
+    std::size_t mSize = 0;
 };
 } // namespace
 
