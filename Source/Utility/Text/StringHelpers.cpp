@@ -11,7 +11,7 @@ namespace
 {
 constexpr char16_t kEllipsis = 0x2026;
 constexpr char16_t kConcealingCharacter = 0x25CF;
-constexpr std::size_t kMaxRepeatedLength = std::size_t( 1 ) << 28;
+constexpr std::size_t kMaxRepeatedLength = std::size_t( 1 ) << 26;
 
 // True where a cut would part a surrogate pair.
 bool CutsPair( TextView inText, std::size_t inAt )

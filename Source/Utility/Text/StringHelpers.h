@@ -18,7 +18,7 @@ void kvr_appendCharacter( Text& ioText, char32_t inCharacter );
 [[nodiscard]] Text stringByRemovingPrefix( TextView inText, TextView inPrefix );
 [[nodiscard]] Text stringByRemovingSuffix( TextView inText, TextView inSuffix );
 
-/// The text that many times over; none for a count below 1. The result is kept below 256 Mi units: further
+/// The text that many times over; none for a count below 1. The result is kept below 64 Mi units: further
 /// repeats are left out.
 [[nodiscard]] Text stringByRepeating( TextView inText, std::int64_t inCount );
 
