@@ -1,5 +1,5 @@
 // No test writes into the logs folder of whoever runs it.
-#include "Tests/XCAF/ScratchFolder.h"
+#include "Tests/Support/ScratchFolder.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "Platform/Platform.h"
 #include "Tests/Fakes/FakeAlerts.h"
 #include "Tests/Fakes/ManualWorld.h"
-#include "Tests/XCAF/ScratchFolder.h"
+#include "Tests/Support/ScratchFolder.h"
 #include "Utility/Work/ThreadedWork.h"
 #include "XCAF/ErrorAlert.h"
 #include "XCAF/KVDiagnostics.h"
