@@ -86,7 +86,7 @@ struct XPlistReadResult
 
 /// UTF-8, or UTF-16 with or without a byte-order mark. A document type is accepted, an internal
 /// subset or an entity declaration refused; nothing outside the bytes is ever read. Control
-/// characters, raw or as references, are read as they stand.
+/// characters, raw or as references, are read as they stand, CR in strings too. Columns count characters.
 [[nodiscard]] XPlistReadResult ReadXMLPropertyList(
     std::span<const std::uint8_t> inBytes, const XPlistLimits& inLimits = {} );
 

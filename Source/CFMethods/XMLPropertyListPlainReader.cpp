@@ -33,7 +33,7 @@ constexpr std::uint64_t ZeroBytes( std::uint64_t inWord )
 struct Contents
 {
     bool mHasReference = false; // an ampersand
-    bool mIsDoubtful = false;   // CR, which XML turns into LF, or a raw '>', which may end "]]>"
+    bool mIsDoubtful = false;   // a raw '>', which may end "]]>"
 };
 
 Contents Classify( std::string_view inText )
@@ -41,7 +41,7 @@ Contents Classify( std::string_view inText )
     std::uint64_t ampersands = 0, doubts = 0;
     const auto add = [&]( std::uint64_t inWord ) {
         ampersands |= ZeroBytes( inWord ^ ( kEach * '&' ) );
-        doubts |= ZeroBytes( inWord ^ ( kEach * '>' ) ) | ZeroBytes( inWord ^ ( kEach * '\r' ) );
+        doubts |= ZeroBytes( inWord ^ ( kEach * '>' ) );
     };
     std::size_t i = 0;
     std::uint64_t word = 0;

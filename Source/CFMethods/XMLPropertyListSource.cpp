@@ -170,7 +170,7 @@ bool XMLPlistSource::CheckUTF8() const
         const auto byte = static_cast<unsigned char>( mUTF8[at] );
         if ( byte < 0x80 )
         {
-            needsEscapes |= IsForbiddenControl( byte );
+            needsEscapes |= IsForbiddenControl( byte ) or byte == '\r';
             needsEscapes |= byte == '&' and not needsEscapes and [this, at] {
                 const auto [scalar, length] = ParseCharacterReference( mUTF8.substr( at ) );
                 return length > 0 and IsForbidden( scalar );
@@ -187,6 +187,62 @@ bool XMLPlistSource::CheckUTF8() const
     return needsEscapes;
 }
 
+namespace
+{
+// Knows where the text of strings and keys is: XML turns a CR into LF, but there it has to stand. Elsewhere it
+// is white space, which tags and the lines around the root can't do without. Follows markup only as far
+// as a document is well-formed; in others the parser finds the fault, whatever has become of their CRs.
+class TextFinder
+{
+public:
+    explicit TextFinder( std::string_view inUTF8 ) : mUTF8( inUTF8 ) {}
+
+    /// At each '<', in their order.
+    void Meet( std::size_t inAt )
+    {
+        if ( inAt < mMarkupEnd )
+            return;
+        const std::string_view rest = mUTF8.substr( inAt );
+        if ( rest.starts_with( "<!--" ) )
+            mMarkupEnd = EndOf( "-->", inAt + 4 );
+        else if ( rest.starts_with( "<![CDATA[" ) )
+            mMarkupEnd = EndOf( "]]>", inAt );
+        else if ( rest.starts_with( "<?" ) )
+            mMarkupEnd = EndOf( "?>", inAt );
+        else
+            MeetTag( inAt );
+    }
+    [[nodiscard]] bool IsText( std::size_t inAt ) const { return inAt >= mTextStart; }
+
+private:
+    [[nodiscard]] std::size_t EndOf( std::string_view inMark, std::size_t inFrom ) const
+    {
+        const std::size_t found = mUTF8.find( inMark, inFrom );
+        return found == mUTF8.npos ? mUTF8.size() : found + inMark.size();
+    }
+    void MeetTag( std::size_t inAt )
+    {
+        std::size_t end = inAt;
+        char quote = 0;
+        for ( ; end < mUTF8.size() and ( quote or mUTF8[end] != '>' ); ++end )
+        {
+            const char byte = mUTF8[end];
+            if ( quote ? byte == quote : byte == '"' or byte == '\'' )
+                quote = quote ? 0 : byte;
+        }
+        const std::string_view tag = mUTF8.substr( inAt, end - inAt );
+        const std::string_view name = tag.substr( 0, tag.find_first_of( " \t\r\n" ) );
+        const bool holdsText = ( name == "<string" or name == "<key" ) and not tag.ends_with( '/' );
+        mMarkupEnd = std::min( end + 1, mUTF8.size() );
+        mTextStart = holdsText ? mMarkupEnd : mUTF8.npos;
+    }
+
+    std::string_view mUTF8;
+    std::size_t mMarkupEnd = 0;
+    std::size_t mTextStart = std::string_view::npos;
+};
+} // namespace
+
 // Visits (what is copied before it, length of what is replaced, replacement), and the rest at the end.
 template<class Visit>
 void XMLPlistSource::WalkEscapes( std::string_view inUTF8, const Visit& inVisit )
@@ -197,10 +253,13 @@ void XMLPlistSource::WalkEscapes( std::string_view inUTF8, const Visit& inVisit 
         inVisit( inUTF8.substr( copied, inAt - copied ), inLength, std::string_view( replacement, 2 ) );
         copied = inAt + inLength;
     };
+    TextFinder text( inUTF8 );
     for ( std::size_t at = 0; at < inUTF8.size(); ++at )
     {
         const char byte = inUTF8[at];
-        if ( IsForbiddenControl( static_cast<unsigned char>( byte ) ) )
+        if ( byte == '<' )
+            text.Meet( at );
+        else if ( IsForbiddenControl( static_cast<unsigned char>( byte ) ) or ( byte == '\r' and text.IsText( at ) ) )
             replace( at, 1, char( kControl + byte ) );
         else if ( byte == kEscape )
             replace( at, 1, kItself );

@@ -13,6 +13,7 @@ struct RandomPropertyListOptions
 {
     bool mLoneSurrogates = true;
     bool mNullCharacters = true;
+    bool mForbiddenCharacters = true; ///< those that strict XML can't hold, and CR, which it turns into LF
     bool mOddReals = true;    ///< NaN with any payload, infinities, negative zero
     bool mAnyDates = true;    ///< any 64 bits; otherwise whole seconds of the years 1 to 9999
     bool mLongLengths = true; ///< now and then lengths around 255 and 65535
@@ -150,6 +151,10 @@ private:
     void Append( Text& ioText, char32_t inScalar )
     {
         if ( inScalar == 0 and not mOptions.mNullCharacters )
+            return;
+        const bool isForbidden = ( inScalar < 0x20 and inScalar != '\t' and inScalar != '\n' ) or inScalar == 0xFFFE or
+            inScalar == 0xFFFF;
+        if ( isForbidden and not mOptions.mForbiddenCharacters )
             return;
         if ( inScalar >= 0x10000 )
             ioText += { char16_t( 0xD7C0 + ( inScalar >> 10 ) ), char16_t( 0xDC00 + ( inScalar & 0x3FF ) ) };

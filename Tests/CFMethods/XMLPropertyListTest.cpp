@@ -1,5 +1,9 @@
 #include "CFMethods/PropertyListCodec.h"
 
+#include "Tests/CFMethods/RandomPropertyList.h"
+#include "Tests/Support/ScratchFolder.h"
+#include "Tests/Support/SmallStack.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -8,7 +12,6 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <limits>
-#include <pthread.h>
 #include <random>
 
 namespace
@@ -50,118 +53,38 @@ void AppendScalar( Text& ioText, char32_t inScalar )
         ioText += char16_t( inScalar );
 }
 
-// What others can represent too: no controls, whole seconds, no data that is empty in their eyes.
-enum class Range { kAll, kCommon };
-
-class RandomValues
-{
-public:
-    RandomValues( unsigned inSeed, Range inRange ) : mRandom( inSeed ), mRange( inRange ) {}
-
-    Value Next( unsigned inDepth = 0 )
-    {
-        switch ( Below( inDepth < 4 ? 9 : 6 ) )
-        {
-        case 0:
-            return Value::Boolean( Below( 2 ) );
-        case 1:
-            return Below( 8 ) ? Value( Value::Integer( std::int64_t( Bits() ) >> Below( 64 ) ) )
-                              : Value( XPlistNumber::MakeUnsigned( Bits() ) );
-        case 2:
-            return Value::Real( Real() );
-        case 3:
-            return XPlistDate::Make( Date() );
-        case 4:
-            return XPlistData::Make( Bytes() );
-        case 5:
-            return Value::String( NextText() );
-        case 6:
-        {
-            XMutableArray array;
-            for ( unsigned i = Below( 6 ); i > 0; --i )
-                array.Append( Next( inDepth + 1 ) );
-            return array.Seal();
-        }
-        default:
-        {
-            XMutableDictionary dictionary;
-            for ( unsigned i = Below( 8 ); i > 0; --i )
-                dictionary.Set( XText( NextText() ), Next( inDepth + 1 ) );
-            return dictionary.Seal();
-        }
-        }
-    }
-
-private:
-    unsigned Below( unsigned inCount ) { return unsigned( mRandom() % inCount ); }
-    std::uint64_t Bits() { return mRandom(); }
-    double Real()
-    {
-        constexpr double kSpecial[] = { 0.0, -0.0, 1.0, 1e16, 1e-4, 5e-324, 1.7976931348623157e308, 0.1 };
-        const auto any = std::bit_cast<double>( Bits() );
-        return Below( 2 ) or not std::isfinite( any ) ? kSpecial[Below( std::size( kSpecial ) )] : any;
-    }
-    double Date()
-    {
-        const double whole = double( std::int64_t( Bits() % 300'000'000'000 ) ) - 60'000'000'000; // years 98 to 9605
-        return mRange == Range::kCommon or Below( 2 ) ? whole : whole + double( Bits() % 1'000'000'007 ) / 1e9;
-    }
-    std::vector<std::uint8_t> Bytes()
-    {
-        std::vector<std::uint8_t> bytes( 1 + Below( 200 ) );
-        std::generate( bytes.begin(), bytes.end(), [this] { return std::uint8_t( Bits() ); } );
-        return bytes;
-    }
-    Text NextText()
-    {
-        constexpr char32_t kLikely[] = { '<', '>', '&', '"', ']', ';', '#', ' ', '\t', '\n', 0x7F, 0x85, 0xE9, 0x2028,
-            0xFDD0, 0xFFFD, 0x1F600, 0x10FFFF };
-        constexpr char32_t kOurs[] = { 0, 1, 8, 0xB, 0xD, 0x1F, 0xFFFE, 0xFFFF, 0xFEFF };
-        Text text;
-        const bool isASCII = Below( 2 );
-        for ( unsigned i = Below( 30 ); i > 0; --i )
-        {
-            const unsigned kind = Below( isASCII ? 4 : 6 );
-            if ( kind < 3 )
-                AppendScalar( text, ' ' + Below( 95 ) );
-            else if ( kind == 3 and mRange == Range::kAll )
-                AppendScalar( text, kOurs[Below( isASCII ? 6 : std::size( kOurs ) )] );
-            else if ( kind == 4 )
-                AppendScalar( text, kLikely[Below( std::size( kLikely ) )] );
-            else
-                AppendScalar( text, isASCII ? '\n' : 0xA0 + Below( 0xD000 ) );
-        }
-        return text;
-    }
-
-    std::mt19937_64 mRandom;
-    Range mRange;
+constexpr RandomPropertyListOptions kWhatXMLHolds{
+    .mLoneSurrogates = false,
+    .mOddReals = false,
+    .mAnyDates = false,
+    .mMostDepth = 3,
+    .mMostElements = 8,
+};
+constexpr RandomPropertyListOptions kWhatAllHold{
+    .mLoneSurrogates = false,
+    .mNullCharacters = false,
+    .mForbiddenCharacters = false,
+    .mOddReals = false,
+    .mAnyDates = false,
+    .mMostDepth = 3,
 };
 
-class ScratchFolder
+void Put( const std::filesystem::path& inPath, std::string_view inBytes )
 {
-public:
-    ScratchFolder()
-    {
-        std::string name = ( std::filesystem::temp_directory_path() / "korvalen-xml-XXXXXX" ).string();
-        mPath = ::mkdtemp( name.data() ) ? name : "";
-    }
-    ~ScratchFolder() { std::filesystem::remove_all( mPath ); }
-    [[nodiscard]] std::string operator/( std::string_view inName ) const { return mPath + "/" + std::string( inName ); }
+    std::ofstream( inPath, std::ios::binary ).write( inBytes.data(), std::streamsize( inBytes.size() ) );
+}
 
-    void Put( std::string_view inName, std::string_view inBytes ) const
-    {
-        std::ofstream( *this / inName, std::ios::binary ).write( inBytes.data(), std::streamsize( inBytes.size() ) );
-    }
-    [[nodiscard]] std::string Take( std::string_view inName ) const
-    {
-        std::ifstream file( *this / inName, std::ios::binary );
-        return { std::istreambuf_iterator<char>( file ), {} };
-    }
+std::string Take( const std::filesystem::path& inPath )
+{
+    std::ifstream file( inPath, std::ios::binary );
+    return { std::istreambuf_iterator<char>( file ), {} };
+}
 
-private:
-    std::string mPath;
-};
+// Runs a program with paths in the folder; true when it succeeded.
+bool RunIn( const ScratchFolder& inFolder, const std::string& inCommand )
+{
+    return std::system( ( "cd '" + inFolder.Path().native() + "' && " + inCommand ).c_str() ) == 0;
+}
 
 Value BinaryValue( const std::string& inBytes )
 {
@@ -190,22 +113,6 @@ std::string Outcome( const std::string& inDocument )
     text.erase( text.rfind( "\n</plist>" ) );
     return text;
 }
-
-// Runs on a stack of 256 KiB, where a recursion by depth would end the program.
-void OnSmallStack( void ( *inFunction )() )
-{
-    pthread_attr_t attributes;
-    pthread_attr_init( &attributes );
-    pthread_attr_setstacksize( &attributes, 256 * 1024 );
-    pthread_t thread;
-    const auto run = []( void* inArgument ) -> void* {
-        reinterpret_cast<void ( * )()>( inArgument )();
-        return nullptr;
-    };
-    ASSERT_EQ( pthread_create( &thread, &attributes, run, reinterpret_cast<void*>( inFunction ) ), 0 );
-    pthread_join( thread, nullptr );
-    pthread_attr_destroy( &attributes );
-}
 } // namespace
 
 TEST( XMLPropertyList, EveryScalarSurvivesInKeysAndValues )
@@ -229,7 +136,7 @@ TEST( XMLPropertyList, EveryScalarSurvivesInKeysAndValues )
 
 TEST( XMLPropertyList, RandomValuesComeBackOnBothWays )
 {
-    RandomValues values( 1, Range::kAll );
+    RandomPropertyList values( 1, kWhatXMLHolds );
     for ( int round = 0; round < 3000; ++round )
     {
         const Value value = values.Next();
@@ -242,12 +149,12 @@ TEST( XMLPropertyList, RandomValuesComeBackOnBothWays )
 
 TEST( XMLPropertyList, TheShortWayAndTheParserAgreeOnDamagedDocuments )
 {
-    RandomValues values( 2, Range::kAll );
+    RandomPropertyList values( 2, kWhatXMLHolds );
     std::mt19937 random( 2 );
     constexpr std::string_view kPieces[] = { "<", ">", "&", "</", "/>", "]]>", "\r", "&#1;", "&#13;", "&lt;",
         "<key>a</key>", "<dict>", "</dict>", "<true/>", "\xC3", "\xEF\xBF\xBE", "\x01", " ", "0", "<![CDATA[", "&a;" };
     unsigned read = 0;
-    for ( int round = 0; round < 20000; ++round )
+    for ( int round = 0; round < 8000; ++round )
     {
         std::string document = Written( values.Next() );
         const std::size_t start = document.find( "<plist" ), at = start + random() % ( document.size() - start );
@@ -257,40 +164,37 @@ TEST( XMLPropertyList, TheShortWayAndTheParserAgreeOnDamagedDocuments )
         ASSERT_TRUE( plain.mValue == parsed.mValue ) << "round " << round << "\n" << document;
         read += plain.mValue ? 1 : 0;
     }
-    EXPECT_GT( read, 1000u ); // else the damage is too great to compare anything
+    EXPECT_GT( read, 400u ); // else the damage is too great to compare anything
 }
 
 TEST( XMLPropertyList, PlistlibWritesTheSameBytesAndReadsTheSameValues )
 {
     constexpr unsigned kFiles = 200;
     const ScratchFolder folder;
-    RandomValues values( 3, Range::kCommon );
+    RandomPropertyList values( 3, kWhatAllHold );
     std::vector<Value> all;
     for ( unsigned i = 0; i < kFiles; ++i )
     {
         all.push_back( values.Next() );
-        folder.Put( std::to_string( i ) + ".xml", Written( all.back() ) );
+        Put( folder.Path() / ( std::to_string( i ) + ".xml" ), Written( all.back() ) );
     }
-    folder.Put( "judge.py",
+    Put( folder / "judge.py",
         "import plistlib, sys\n"
-        "for i in range(int(sys.argv[2])):\n"
-        "    name = sys.argv[1] + '/' + str(i)\n"
+        "for i in range(int(sys.argv[1])):\n"
+        "    name = str(i)\n"
         "    value = plistlib.load(open(name + '.xml', 'rb'))\n"
         "    plistlib.dump(value, open(name + '.binary', 'wb'), fmt=plistlib.FMT_BINARY)\n"
         "    plistlib.dump(value, open(name + '.python', 'wb'))\n" );
-    const std::string command =
-        "python3 '" + folder / "judge.py" + "' '" + folder / "" + "' " + std::to_string( kFiles );
-    ASSERT_EQ( std::system( command.c_str() ), 0 );
+    ASSERT_TRUE( RunIn( folder, "python3 judge.py " + std::to_string( kFiles ) ) );
     for ( unsigned i = 0; i < kFiles; ++i )
     {
-        const std::string name = std::to_string( i );
-        const std::string theirs = folder.Take( name + ".python" );
-        EXPECT_TRUE( BinaryValue( folder.Take( name + ".binary" ) ) == all[i] ) << i;
+        const std::string path = ( folder.Path() / std::to_string( i ) ).native(), theirs = Take( path + ".python" );
+        EXPECT_TRUE( BinaryValue( Take( path + ".binary" ) ) == all[i] ) << i;
         EXPECT_TRUE( Read( theirs ).mValue == all[i] ) << i;
         // Python sorts by scalars and we by UTF-16 units, so the order differs above U+FFFF.
         if ( theirs.find( '\xF0' ) == theirs.npos and theirs.find( '\xF4' ) == theirs.npos )
         {
-            EXPECT_EQ( theirs, folder.Take( name + ".xml" ) ) << i;
+            EXPECT_EQ( theirs, Take( path + ".xml" ) ) << i;
         }
     }
 }
@@ -298,7 +202,7 @@ TEST( XMLPropertyList, PlistlibWritesTheSameBytesAndReadsTheSameValues )
 TEST( XMLPropertyList, PlistutilReadsAndWritesTheSameValues )
 {
     const ScratchFolder folder;
-    RandomValues values( 4, Range::kCommon );
+    RandomPropertyList values( 4, kWhatAllHold );
     XMutableArray array;
     for ( char32_t control = 1; control < 0x20; ++control )
         array.Append( StringOf( control ) );
@@ -307,18 +211,11 @@ TEST( XMLPropertyList, PlistutilReadsAndWritesTheSameValues )
     for ( unsigned i = 0; i < 300; ++i )
         array.Append( values.Next() );
     const Value value = array.Seal();
-    folder.Put( "ours.plist", Written( value ) );
-    const auto convert = [&folder]( const char* inFormat, const std::string& inFrom, const std::string& inTo ) {
-        const std::string command =
-            "plistutil -f "s + inFormat + " -i '" + folder / inFrom + "' -o '" + folder / inTo + "'";
-        return std::system( command.c_str() );
-    };
-    ASSERT_EQ( convert( "bin", "ours.plist", "theirs.binary" ), 0 );
-    EXPECT_TRUE( BinaryValue( folder.Take( "theirs.binary" ) ) == value );
-    ASSERT_EQ( convert( "xml", "theirs.binary", "theirs.plist" ), 0 );
-    const XPlistReadResult theirs = Read( folder.Take( "theirs.plist" ) );
-    ASSERT_FALSE( theirs.mFault ) << theirs.mFault->Describe();
-    EXPECT_TRUE( theirs.mValue == value );
+    Put( folder / "ours.plist", Written( value ) );
+    ASSERT_TRUE( RunIn( folder, "plistutil -f bin -i ours.plist -o theirs.binary" ) );
+    EXPECT_TRUE( BinaryValue( Take( folder / "theirs.binary" ) ) == value );
+    ASSERT_TRUE( RunIn( folder, "plistutil -f xml -i theirs.binary -o theirs.plist" ) );
+    EXPECT_TRUE( Read( Take( folder / "theirs.plist" ) ).mValue == value );
 }
 
 TEST( XMLPropertyList, DatesComeBackToTheBit )
@@ -367,7 +264,10 @@ TEST( XMLPropertyList, LeavesAreReadInAllTheirForms )
         { "<data>QUI====</data>", "<data>\nQUI=\n</data>" },
         { "<data/>", "<data>\n</data>" },
         { "<string/>", "<string></string>" },
-        { "<string>a\r\nb\rc&#13;</string>", "<string>a\nb\nc&#13;</string>" },
+        { "<string>a\r\nb\rc&#13;</string>", "<string>a&#13;\nb&#13;c&#13;</string>" },
+        { "<string\r>a<![CDATA[\r]]><!--\r-->\r</string\r>\r", "<string>a&#13;&#13;</string>" },
+        { "\r<array\r>\r<string/>\r<integer>\r1\r</integer></array>\r",
+            "<array>\n\t<string></string>\n\t<integer>1</integer>\n</array>" },
         { "<string><![CDATA[<&#1;]]>&#x1;&#0;\x01\xEF\xBF\xBF\x7F</string>",
             "<string>&lt;&amp;#1;&#1;&#0;&#1;&#65535;\x7F</string>" },
         { "<string>&quot;&apos;&lt;&gt;&amp;&#xE9;&#128512;]]</string>",
@@ -499,9 +399,10 @@ TEST( XMLPropertyList, EncodingsAreFoundByTheirBytes )
 TEST( XMLPropertyList, NothingOutsideTheDocumentIsEverRead )
 {
     const ScratchFolder folder;
-    folder.Put( "evil.dtd", "<!ENTITY secret 'read'>" );
-    for ( const std::string& type : { "<!DOCTYPE plist SYSTEM '" + folder / "evil.dtd" + "'>",
-              "<!DOCTYPE plist PUBLIC 'a' 'file://" + folder / "evil.dtd" + "'>" } )
+    Put( folder / "evil.dtd", "<!ENTITY secret 'read'>" );
+    const std::string path = ( folder / "evil.dtd" ).native();
+    for ( const std::string& type :
+        { "<!DOCTYPE plist SYSTEM '" + path + "'>", "<!DOCTYPE plist PUBLIC 'a' 'file://" + path + "'>" } )
         EXPECT_NE( Outcome( type + "<string>&secret;</string>" ).find( "the entity \"secret\" isn't defined" ),
             std::string::npos );
 }
@@ -539,7 +440,7 @@ TEST( XMLPropertyList, LimitsAreNamedAndDepthCostsNoStack )
     EXPECT_EQ(
         Read( "<true/>", { .mMaxBytes = 6 } ).mFault->mMessage, "the file has 7 bytes, which exceeds the limit of 6" );
 
-    OnSmallStack( [] {
+    RunOnSmallStack( [] {
         Value value = Value::Boolean( true );
         for ( unsigned i = 0; i < 100000; ++i )
         {
