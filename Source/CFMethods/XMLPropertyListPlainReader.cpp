@@ -173,7 +173,7 @@ inline bool PlainReader::ReadElement( XMLPlistElement inElement, const char* inT
             mOpen.push_back( inElement );
         return true;
     }
-    std::string_view text;
+    std::string_view text = ""; // never null, which memcpy mustn't be given
     if ( not isEmpty and not ReadText( text ) )
         return false;
     mBuilder.AddLeaf( inElement, text );
