@@ -64,7 +64,7 @@ private:
         for ( std::uint64_t count = Below( 3 ); count > 0; --count )
             triggers.Append( Trigger() );
         macro.Set( CFSTR( "Triggers" ), triggers.Seal() );
-        macro.Set( CFSTR( "Actions" ), Actions( 2 + Below( 6 ), 2 ) );
+        macro.Set( CFSTR( "Actions" ), Actions( 3 + Below( 9 ), 2 ) );
         // One in twenty has an icon of its own.
         if ( Below( 20 ) == 0 )
         {

@@ -1,4 +1,4 @@
-"""Times plistlib on the files "binary" and "xml" of a folder and prints name and seconds."""
+"""Times plistlib on the files "binary" and "xml" of a folder and prints name and seconds of processor time."""
 import pathlib
 import plistlib
 import sys
@@ -6,9 +6,9 @@ import time
 
 
 def timed(name, function):
-    start = time.perf_counter()
+    start = time.process_time()
     result = function()
-    print(name, time.perf_counter() - start)
+    print(name, time.process_time() - start)
     return result
 
 

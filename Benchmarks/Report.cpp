@@ -1,6 +1,10 @@
 #include "Benchmarks/Report.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
+
+// Colours only on a terminal.
+RatioReporter::RatioReporter() : ConsoleReporter( isatty( STDOUT_FILENO ) ? OO_ColorTabular : OO_Tabular ) {}
 
 void RatioReporter::ReportRuns( const std::vector<Run>& inRuns )
 {

@@ -9,6 +9,7 @@
 class RatioReporter final : public benchmark::ConsoleReporter
 {
 public:
+    RatioReporter();
     void ReportRuns( const std::vector<Run>& inRuns ) override;
     void PrintRatios() const;
 
