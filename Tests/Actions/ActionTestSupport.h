@@ -1,10 +1,10 @@
 // What the tests of actions share.
 #pragma once
 
+#include "Tests/Support/LogCapture.h"
 #include "Actions/HBaseAction.h"
 #include "CFMethods/PropertyListCodec.h"
 #include "Macros/MLoadObserver.h"
-#include "XCAF/XErrorHandlerTesting.h"
 #include "XCAF/XException.h"
 
 #include <gtest/gtest.h>
@@ -98,25 +98,3 @@ inline std::string Shown( const __SafeCFPropertyList& inValue )
     const auto text = kvr_toXMLString( inValue );
     return text ? UTF8FromText( *text ) : "(no XML form)";
 }
-
-/// Keeps what is logged.
-class LogCapture
-{
-public:
-    LogCapture()
-    {
-        XErrorHandler::SetSinkForTesting(
-            [this]( bool, TextView inMessage ) { mLines.push_back( UTF8FromText( inMessage ) ); } );
-    }
-    ~LogCapture() { XErrorHandler::SetSinkForTesting( {} ); }
-    LogCapture( const LogCapture& ) = delete;
-    LogCapture& operator=( const LogCapture& ) = delete;
-
-    [[nodiscard]] std::size_t CountOf( std::string_view inPart ) const
-    {
-        return std::size_t( std::count_if( mLines.begin(), mLines.end(),
-            [&]( const std::string& line ) { return line.find( inPart ) != std::string::npos; } ) );
-    }
-
-    std::vector<std::string> mLines;
-};

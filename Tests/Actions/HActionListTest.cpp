@@ -97,7 +97,7 @@ TEST( HActionList, AnIndexPastTheEndIsAssertedAndChangesNothing )
     list.RemoveActionAtIndex( 9 );
     list.SetActionAtIndex( 2, Named( u"X" ) );
     EXPECT_EQ( NamesIn( list ), "AB" );
-    EXPECT_EQ( log.CountOf( "it != mActionList.end()" ), 3u );
+    EXPECT_EQ( log.CountContaining( "it != mActionList.end()" ), 3u );
 }
 
 TEST( HActionList, IndexOfActionIsByIdentity )
@@ -137,7 +137,7 @@ TEST( HActionList, WhatCantBeUnderstoodIsDroppedWithALineAndItsNeighboursStay )
         }
         EXPECT_EQ( NamesIn( list ), "AB" ) << reason;
         EXPECT_EQ( drops.mText, "1:" + std::string( reason ) + ";" );
-        EXPECT_EQ( log.CountOf( "Failed to understand action with error " + std::string( reason ) + " at " ), 1u )
+        EXPECT_EQ( log.CountContaining( "Failed to understand action with error " + std::string( reason ) + " at " ), 1u )
             << reason;
     }
 }
@@ -160,7 +160,7 @@ TEST( HActionList, PastingSkipsWithoutALineAndFollowsTheInsertion )
     list.AppendActionsFromPList( Str( u"no array" ) );
     EXPECT_EQ( list.GetCount(), 1 );
     EXPECT_FALSE( MMacroInsertion::CurrentlyInserting() );
-    EXPECT_EQ( log.CountOf( "Failed to understand" ), 0u );
+    EXPECT_EQ( log.CountContaining( "Failed to understand" ), 0u );
 }
 
 TEST( HActionList, TheDisclosedKeyIsOnlyThereWhenFalse )
@@ -244,7 +244,7 @@ TEST( HActionList, WhatIsNestedBeyondTheLimitIsLeftOutAndTheRestStands )
     int count = 1;
     action->DoForEverySubAction( [&]( HBaseAction& ) { ++count; } );
     EXPECT_EQ( count, HBaseAction::kMaxDepth );
-    EXPECT_EQ( log.CountOf( "actions are nested more than 1000 deep" ), 1u );
+    EXPECT_EQ( log.CountContaining( "actions are nested more than 1000 deep" ), 1u );
 }
 
 TEST( HActionList, TheLoadObserverHearsOfOlderKeysUpgradesAndRepairs )

@@ -114,7 +114,7 @@ TEST( HBaseAction, AUIDThatLivesElsewhereIsAsserted )
     const auto first = HBaseAction::CreateActionOfType( HActionType::kPause );
     const auto second = HBaseAction::CreateActionOfType( HActionType::kPause );
     second->ReuseAppleScriptUID( first->GetAppleScriptUID() );
-    EXPECT_EQ( log.CountOf( "!GetActionForAppleScriptUID( uid )" ), 1u );
+    EXPECT_EQ( log.CountContaining( "!GetActionForAppleScriptUID( uid )" ), 1u );
 }
 
 TEST( HBaseAction, NumbersForScriptsWrapAndSkipThoseInUse )
@@ -127,7 +127,7 @@ TEST( HBaseAction, NumbersForScriptsWrapAndSkipThoseInUse )
     EXPECT_EQ( map.GetNewUID(), 3u );
     map.SetLastUID( 0x4000000000000000 );
     EXPECT_LT( map.GetNewUID(), 0x100000000u + 1000 );
-    EXPECT_EQ( log.CountOf( "AppleScript Thing UID Wrapped" ), 1u );
+    EXPECT_EQ( log.CountContaining( "AppleScript Thing UID Wrapped" ), 1u );
 }
 
 TEST( HBaseAction, OlderNumbersBecomeTheShortestTexts )

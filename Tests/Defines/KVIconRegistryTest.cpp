@@ -1,6 +1,6 @@
 #include "Defines/KVIconRegistry.h"
 
-#include "Tests/Support/LogLines.h"
+#include "Tests/Support/LogCapture.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -60,7 +60,7 @@ TEST( KVIconRegistry, AnUnknownNameHasNoImageAndSavesBackUnchanged )
     };
     for ( const auto& [saved, known] : kCases )
     {
-        LogLines lines;
+        LogCapture lines;
         const XIcon icon = XIcon::FromSavedData( __SafeCFPropertyList::String( saved ) );
         EXPECT_EQ( lines.Take(),
             known ? std::vector<std::string>()

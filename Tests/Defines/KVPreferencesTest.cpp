@@ -2,7 +2,7 @@
 
 #include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVPreferenceDomain.h"
-#include "Tests/Support/LogLines.h"
+#include "Tests/Support/LogCapture.h"
 #include "Tests/Support/ScratchFolder.h"
 #include "Utility/Work/Clock.h"
 #include "Utility/Work/Random.h"
@@ -249,7 +249,7 @@ TEST( KVPreferences, AnIdentityIsMadeOnceAndReplacedOnlyWhenBad )
     {
         ASSERT_TRUE( KVPreferences::Set( KVPreferences::kMacUUIDID, XText( stored ) ) );
         KVPreferences::UseFolder( settings.mFolder.Path() ); // as after a new start
-        LogLines lines;
+        LogCapture lines;
         const XText now = KVPreferences::MacUUID();
         EXPECT_EQ( lines.Take(),
             stays or stored.empty() ? std::vector<std::string>() : std::vector<std::string>{ "Regenerating MacUUID" } );
@@ -283,7 +283,7 @@ TEST( KVPreferences, TheLogReadsItsSettingsAndADamagedFileDoesNotStopIt )
     KVPreferences::Start();
     Put( settings.mFolder / "com.tessarine.korvalen.editor.plist", "damaged" );
     {
-        LogLines lines;
+        LogCapture lines;
         EXPECT_FALSE( XErrorHandler::MaybeShouldLog( "SomeTag" ) ); // reads, and logs the damage meanwhile
         EXPECT_EQ( lines.Take().size(), 1u );
     }
@@ -354,7 +354,7 @@ TEST( KVPreferenceDomain, ADamagedFileReadsAsEmptyAndIsCopiedBeforeTheFirstWrite
     std::size_t copies = 0;
     for ( const std::string& damaged : kDamaged )
     {
-        LogLines lines;
+        LogCapture lines;
         Put( file, damaged );
         KVPreferenceDomain domain( file );
         EXPECT_FALSE( domain.Get( CFSTR( "Key" ) ) );

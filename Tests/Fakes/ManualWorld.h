@@ -1,7 +1,7 @@
 // A world that stands still: a clock and queues turned by hand, and a log that is only remembered.
 #pragma once
 
-#include "Tests/Fakes/LogCapture.h"
+#include "Tests/Support/LogCapture.h"
 #include "Utility/Work/ManualWork.h"
 
 class ManualWorld

@@ -1,6 +1,6 @@
 #include "XCAF/XIcon.h"
 
-#include "Tests/Support/LogLines.h"
+#include "Tests/Support/LogCapture.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -179,7 +179,7 @@ TEST( XIcon, WhatIsNoSavedFormGivesAnUndefinedIcon )
         Saved( u"KVEC" ), Saved( u"KVEP" ), __SafeCFPropertyList::Integer( 5 ), nullptr };
     for ( const auto& value : kValues )
     {
-        LogLines lines;
+        LogCapture lines;
         EXPECT_FALSE( XIcon::FromSavedData( value ).Defined() );
         const std::string shown = value.AsString() ? value.AsString()->GetUTF8() : value ? "number" : "(null)";
         const auto logged = lines.Take();
@@ -210,7 +210,7 @@ TEST( XIcon, ACompositeHasItsDefinedPartsAndCannotBeSaved )
     EXPECT_EQ( both.GetSaveFormat(), XIconSaveFormat::kCantSave );
     EXPECT_EQ( XIcon( back, badge, badge ).GetLayers().size(), 3u );
 
-    LogLines lines;
+    LogCapture lines;
     EXPECT_EQ( XIcon( back, XIcon() ).GetLayers().size(), 1u );
     EXPECT_FALSE( XIcon( XIcon(), XIcon(), XIcon() ).Defined() );
     EXPECT_FALSE( both.GetSavedData() );

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <mutex>
+#include <vector>
+#include <utility>
+#include <string>
 
 class LogCapture
 {
@@ -35,6 +38,17 @@ public:
     {
         const std::scoped_lock lock( mMutex );
         return mLines;
+    }
+    /// The lines since the last call. An assertion's line is cut behind the condition, before its place.
+    [[nodiscard]] std::vector<std::string> Take()
+    {
+        const std::scoped_lock lock( mMutex );
+        for ( std::string& line : mLines )
+        {
+            if ( line.starts_with( "Assertion Failed: " ) )
+                line.resize( line.find( " file: " ) );
+        }
+        return std::exchange( mLines, {} );
     }
 
 private:
