@@ -309,19 +309,23 @@ void Checker::WalkValue(
         NoteChanged( inSource, inKey, inOld, inNew );
 }
 
-// Settings of time-outs and failures that the type can't have: they are read, and have no place to be written to.
-bool IsLostSetting( const XPlistDictionary& inSource, TextView inKey, const __SafeCFPropertyList& inValue )
+// Settings of time-outs and failures are written by types that can have them, and only where they differ from what
+// holds anyway. On any other type they have no place; those that ask for nothing unusual are no loss.
+bool IsLostSetting( TextView inKey, const __SafeCFPropertyList& inValue, const XPlistDictionary& inSaved )
 {
-    if ( not inSource.Find( CFSTR( "MacroActionType" ) ) )
+    constexpr TextView kSettings[] = { u"TimeOutPeriod", u"TimeOutAbortsMacro", u"NotifyOnTimeOut", u"StopOnFailure",
+        u"NotifyOnFailure" };
+    if ( std::ranges::find( kSettings, inKey ) == std::end( kSettings ) or
+        not inSaved.Contains( CFSTR( "MacroActionType" ) ) )
         return false;
+    const auto action = HBaseAction::CreateFromPropertyList( __SafeCFPropertyList( &inSaved ) );
+    const bool isOfFailure = inKey == u"StopOnFailure" or inKey == u"NotifyOnFailure";
+    if ( isOfFailure ? action->ActionCanFail() : action->HasTimeOut() )
+        return false;
+    if ( const XPlistNumber* const period = inValue.AsNumber() )
+        return period->AsReal() > 0;
     const XPlistBoolean* const flag = inValue.AsBoolean();
-    const XPlistNumber* const number = inValue.AsNumber();
-    constexpr double kWrittenAbove = 0.005;
-    if ( inKey == u"TimeOutPeriod" )
-        return number and number->AsReal() > kWrittenAbove;
-    if ( inKey == u"TimeOutAbortsMacro" or inKey == u"NotifyOnTimeOut" or inKey == u"NotifyOnFailure" )
-        return flag and not flag->GetValue();
-    return false;
+    return flag and flag->GetValue() == ( inKey == u"StopOnFailure" );
 }
 
 void Checker::NoteMissing( const XPlistDictionary& inSource, const XPlistDictionary& inSaved, const XPlistString& inKey,
@@ -329,7 +333,6 @@ void Checker::NoteMissing( const XPlistDictionary& inSource, const XPlistDiction
 {
     const MLoadRecorder::KeyID id( inSource, inKey );
     const Text key = inKey.GetText(), value = Brief( __SafeCFPropertyList( inOld ) );
-    const bool saysItCanFail = inSaved.Find( CFSTR( "TimeOutAbortsMacro" ) ) != nullptr;
     if ( const Text* const upgrade = mRecorder.UpgradeOf( id ) )
         Note( Rule::kUpgraded, false, key, *upgrade );
     else if ( const Text* const repair = mRecorder.RepairOf( id ) )
@@ -338,8 +341,7 @@ void Checker::NoteMissing( const XPlistDictionary& inSource, const XPlistDiction
         Note( Rule::kUnreadKey, true, key, u"nothing reads it: " + value );
     else if ( mRecorder.WasOnlyMisread( id ) )
         Note( Rule::kWrongType, true, key, value + u" has the wrong type; its default stands" );
-    else if ( not( saysItCanFail and key.starts_with( u"TimeOut" ) ) and
-        IsLostSetting( inSource, key, __SafeCFPropertyList( inOld ) ) )
+    else if ( IsLostSetting( key, __SafeCFPropertyList( inOld ), inSaved ) )
         Note( Rule::kSettingLost, true, key, value + u" has no effect on this type, and isn't kept" );
     else
         Note( Rule::kLeftOut, false, key, value + u" holds without being written" );
