@@ -14,9 +14,9 @@ struct RandomPropertyListOptions
     bool mLoneSurrogates = true;
     bool mNullCharacters = true;
     bool mForbiddenCharacters = true; ///< those that strict XML can't hold, and CR, which it turns into LF
-    bool mOddReals = true;    ///< NaN with any payload, infinities, negative zero
-    bool mAnyDates = true;    ///< any 64 bits; otherwise whole seconds of the years 1 to 9999
-    bool mLongLengths = true; ///< now and then lengths around 255 and 65535
+    bool mOddReals = true;            ///< NaN with any payload, infinities, negative zero
+    bool mAnyDates = true;            ///< any 64 bits; otherwise whole seconds of the years 1 to 9999
+    bool mLongLengths = true;         ///< now and then lengths around 255 and 65535
     unsigned mMostDepth = 5;
     unsigned mMostElements = 9;
 };
@@ -152,8 +152,8 @@ private:
     {
         if ( inScalar == 0 and not mOptions.mNullCharacters )
             return;
-        const bool isForbidden = ( inScalar < 0x20 and inScalar != '\t' and inScalar != '\n' ) or inScalar == 0xFFFE or
-            inScalar == 0xFFFF;
+        const bool isForbidden =
+            ( inScalar < 0x20 and inScalar != '\t' and inScalar != '\n' ) or inScalar == 0xFFFE or inScalar == 0xFFFF;
         if ( isForbidden and not mOptions.mForbiddenCharacters )
             return;
         if ( inScalar >= 0x10000 )
