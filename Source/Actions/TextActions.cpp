@@ -16,12 +16,12 @@ Text Excerpt( const XText& inText )
         if ( unit == u'\n' or unit == u'\r' or unit == u'\t' )
             unit = u' ';
     }
-    if ( text.size() <= kDescribedLength )
-        return text;
-    std::size_t length = kDescribedLength;
-    if ( IsHighSurrogate( text[length - 1] ) )
-        --length;
-    return text.substr( 0, length ) + u"…";
+    if ( text.size() > kDescribedLength )
+    {
+        text.resize( IsHighSurrogate( text[kDescribedLength - 1] ) ? kDescribedLength - 1 : kDescribedLength );
+        text += u'…';
+    }
+    return text;
 }
 
 Text KeyWith( TextView inBefore, TextView inName, TextView inAfter )
