@@ -297,8 +297,11 @@ void Checker::WalkValue(
         NoteMissing( inSource, inSource, inKey, inOld );
         return;
     }
+    // What was set right as a whole is told as a whole.
+    if ( mRecorder.RepairOf( { inSource, inKey } ) and not( old == saved ) )
+        NoteChanged( inSource, inKey, inOld, inNew );
     // A list may hold the same elements and yet have lost some: what was dropped is asked for each list.
-    if ( old.AsArray() and saved.AsArray() )
+    else if ( old.AsArray() and saved.AsArray() )
         WalkArray( *old.AsArray(), *saved.AsArray(), inKey.GetText() );
     else if ( old.AsDictionary() and saved.AsDictionary() )
     {
