@@ -1,0 +1,128 @@
+// The files in Examples/ as people meet them: through the program. They are shipped, so what they are said to show
+// has to stay true.
+#include "Tests/App/KorvalenRun.h"
+
+#include "App/FileInput.h"
+#include "Macros/MLoadCheck.h"
+#include "Triggers/TriggerType.h"
+
+namespace
+{
+std::string Example( const std::string& inName )
+{
+    return KORVALEN_TESTS_FOLDER "/../Examples/" + inName;
+}
+
+__SafeCFPropertyList ReadValue( const std::string& inPath )
+{
+    std::ifstream file( inPath, std::ios::binary );
+    const std::string bytes( ( std::istreambuf_iterator<char>( file ) ), {} );
+    return ReadPropertyList( { reinterpret_cast<const std::uint8_t*>( bytes.data() ), bytes.size() } ).mValue;
+}
+
+/// All that a file says but for what every save writes anew.
+__SafeCFPropertyList LastingPart( const std::string& inPath )
+{
+    const __SafeCFPropertyList value = ReadValue( inPath );
+    const XPlistDictionary* const file = value.AsDictionary();
+    EXPECT_TRUE( file ) << inPath;
+    XMutableDictionary lasting;
+    if ( file )
+        lasting.SetAll( *file );
+    for ( const char* const key : { "PreferenceSavedDate", "PreferenceSaveUUID", "Version" } )
+        lasting.Set( XKey( key ), nullptr );
+    return lasting.Seal();
+}
+
+constexpr const char* kSoundExamples[] = { "Friendly.plist", "Wide.plist" };
+constexpr const char* kAllExamples[] = { "Friendly.plist", "Wide.plist", "Damaged.plist" };
+} // namespace
+
+TEST( Examples, AreWrittenAsOurOwnWriterWritesThem )
+{
+    const KorvalenFolder folder;
+    for ( const char* const name : kAllExamples )
+    {
+        const std::string path = folder.Path( name );
+        ASSERT_EQ( RunKorvalenWith( { "plist", "convert", "--to", "xml", Example( name ), "-o", path } ).mStatus, 0 );
+        std::ifstream file( Example( name ), std::ios::binary );
+        const std::string bytes( ( std::istreambuf_iterator<char>( file ) ), {} );
+        EXPECT_TRUE( folder.Content( name ) == bytes ) << name;
+    }
+}
+
+TEST( Examples, ASoundFileIsSavedAsItWasLoaded )
+{
+    const KorvalenFolder folder;
+    for ( const char* const name : kSoundExamples )
+    {
+        const KorvalenResult check = RunKorvalenWith( { "check", Example( name ) } );
+        EXPECT_EQ( check.mStatus, 0 ) << name;
+        EXPECT_TRUE( check.mOutput.ends_with( "Loading and saving it would change nothing.\n" ) ) << check.mOutput;
+        EXPECT_EQ( check.mErrors, "" );
+
+        const std::string path = folder.Path( name );
+        ASSERT_EQ( RunKorvalenWith( { "convert", Example( name ), path } ).mStatus, 0 ) << name;
+        EXPECT_EQ( LastingPart( Example( name ) ), LastingPart( path ) ) << name;
+    }
+}
+
+TEST( Examples, ConvertingWhatWasConvertedChangesNothing )
+{
+    const KorvalenFolder folder;
+    const std::string once = folder.Path( "once" ), twice = folder.Path( "twice" ), binary = folder.Path( "binary" );
+    for ( const char* const name : kAllExamples )
+    {
+        ASSERT_EQ( RunKorvalenWith( { "convert", Example( name ), once, "--format", "xml" } ).mStatus, 0 ) << name;
+        ASSERT_EQ( RunKorvalenWith( { "convert", once, twice, "--format", "xml" } ).mStatus, 0 ) << name;
+        ASSERT_EQ( RunKorvalenWith( { "convert", once, binary } ).mStatus, 0 ) << name;
+        EXPECT_EQ( LastingPart( once ), LastingPart( twice ) ) << name;
+        EXPECT_EQ( LastingPart( once ), LastingPart( binary ) ) << name;
+        EXPECT_EQ( RunKorvalenWith( { "check", once } ).mStatus, 0 ) << name;
+    }
+}
+
+TEST( Examples, TheWideOneHasEveryKindOfTrigger )
+{
+    const MFileCheck check = CheckFile( ReadValue( Example( "Wide.plist" ) ) );
+    for ( const std::string_view kind : kTriggerTypeNames )
+        EXPECT_TRUE( check.mContents.mTriggersByKind.contains( std::string( kind ) ) ) << kind;
+}
+
+TEST( Examples, TheDamagedOneHasEveryKindOfFinding )
+{
+    const KorvalenResult result = RunKorvalenWith( { "check", Example( "Damaged.plist" ) } );
+    EXPECT_EQ( result.mStatus, 1 );
+    EXPECT_EQ( result.mErrors, "" );
+    constexpr struct
+    {
+        const char *mPlace, *mRule;
+    } kFindings[] = {
+        { "  ! A Group Without Macros", "(dropped)" },
+        { "  ! Global Macro Group › No Triggers", "(dropped)" },
+        { "  ! Global Macro Group › Unknown Types › action 1", "(dropped)" },
+        { "  ! Global Macro Group › Unknown Types › trigger 1", "(dropped)" },
+        { "  ! Keys That Nothing Reads › Extra Keys › action 3 › then action 1 · Flavour", "(unread-key)" },
+        { "  ! Keys That Nothing Reads › Extra Keys › action 2 · TimeOutPeriod", "(setting-lost)" },
+        { "  ! Global Macro Group · Activate", "(repaired)" },
+        { "  ! Global Macro Group · IsActive", "(repaired)" },
+        { "  ! Global Macro Group › Wrong Types · CreationDate", "(wrong-type)" },
+        { "  ! Global Macro Group › Doubled Again · UID", "(uid-replaced)" },
+        { "  ~ Global Macro Group › No UID and No Dates · UID", "(uid-replaced)" },
+        { "  ~ Older Forms › Older Keys and Types › action 1 · MacroActionType", "(upgraded)" },
+        { "  ~ Older Forms › Older Keys and Types › action 2 · Count", "(upgraded)" },
+        { "  ~ Older Forms › Older Keys and Types › action 2 › action 1 · Seconds", "(upgraded)" },
+        { "  ~ Older Forms › Older Keys and Types › trigger 2 · MacroTriggerType", "(upgraded)" },
+        { "  ~ Global Macro Group › No UID and No Dates · CreationDate", "(defaulted)" },
+        { "  ~ Written Otherwise › Nothing Is Lost Here · IsActive", "(left-out)" },
+        { "  ~ Written Otherwise › Nothing Is Lost Here · CreationDate", "(changed)" },
+    };
+    for ( const auto& [place, rule] : kFindings )
+    {
+        const std::size_t at = result.mOutput.find( std::string( place ) + ": " );
+        ASSERT_NE( at, std::string::npos ) << place;
+        const std::string line = result.mOutput.substr( at, result.mOutput.find( '\n', at ) - at );
+        EXPECT_TRUE( line.ends_with( rule ) ) << line;
+    }
+    EXPECT_NE( result.mOutput.find( "All Macros · SearchStrings: " ), std::string::npos );
+}
