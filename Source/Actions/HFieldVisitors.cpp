@@ -67,7 +67,7 @@ void HReadingVisitor::NoteWrongType( HFieldKey inKey, const char* inExpected ) c
     if ( found )
         NoteRepair( inKey,
             kvr_format(
-                "is a %s that can't be read as a %s; the default stands", NameOf( found->GetType() ), inExpected ) );
+                "a value of type %s can't be read as %s; the default stands", NameOf( found->GetType() ), inExpected ) );
 }
 
 void HReadingVisitor::NoteRepair( HFieldKey inKey, TextView inReason ) const

@@ -83,7 +83,7 @@ PropertyListInput ReadPropertyListFile( const FileInput& inInput, const std::str
         const bool isJSON = input.mFormat == PropertyListInput::Format::kJSON;
         throw FileTrouble( fmt::format( "{} can't be understood as {}: {}; {}", QuotedPath( inPath ),
             isJSON ? "JSON" : "a property list", *input.mFault,
-            isJSON ? "mend it there" : "try another copy of the file" ) );
+            isJSON ? "mend it there" : "if it is meant to be one, it is damaged: try another copy" ) );
     }
     return input;
 }

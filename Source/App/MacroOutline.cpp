@@ -73,6 +73,11 @@ void PrintGroup( const MMacroGroup& inGroup, Output& ioOutput )
     ioOutput.Line( "  " + UTF8FromText( inGroup.GetTarget().GetDescription() ) );
     if ( inGroup.GetWindowCondition().GetType() != FrontWindowConditionType::kAlways )
         ioOutput.Line( "  " + UTF8FromText( inGroup.GetWindowCondition().GetDescription() ) );
+    if ( inGroup.GetKeyCode() != MMacroGroup::kNoKeyCode )
+        ioOutput.Line(
+            fmt::format( "  Hot key: key code {}, modifiers {}", inGroup.GetKeyCode(), inGroup.GetModifiers() ) );
+    if ( not inGroup.GetDisabledMacs().empty() )
+        ioOutput.Line( "  Disabled on " + Counted( inGroup.GetDisabledMacs().size(), "computer" ) );
     ioOutput.Line( "  " + Counted( inGroup.GetMacroCount(), "macro" ) );
     for ( const MMacro* const macro : LoadedMacros::GetMacros( inGroup ) )
         ioOutput.Line(

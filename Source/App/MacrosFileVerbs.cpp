@@ -52,6 +52,9 @@ public:
             ListGroup( *group, wantsAll, facts, ioContext.mOutput );
         if ( mJSON )
             ioContext.mOutput.JSON( facts.Seal() );
+        else if ( mTold == 0 )
+            ioContext.mOutput.Complain( fmt::format( "nothing in {} {}", QuotedPath( mPath ),
+                mQuery.empty() ? "is of that kind" : "has all of these words in its name" ) );
         return ExitStatus::kDone;
     }
 
@@ -65,7 +68,7 @@ private:
         } );
     }
 
-    void ListGroup( const MMacroGroup& inGroup, bool inWantsAll, XMutableArray& ioFacts, Output& ioOutput ) const
+    void ListGroup( const MMacroGroup& inGroup, bool inWantsAll, XMutableArray& ioFacts, Output& ioOutput )
     {
         std::vector<const MMacro*> macros;
         for ( const MMacro* const macro : LoadedMacros::GetMacros( inGroup ) )
@@ -82,9 +85,10 @@ private:
             TellMacro( *macro, inWantsAll, ioFacts, ioOutput );
     }
 
-    void Tell( const MMacroSerializedObject& inObject, const std::string& inDetail, XMutableArray& ioFacts,
-        Output& ioOutput ) const
+    void Tell(
+        const MMacroSerializedObject& inObject, const std::string& inDetail, XMutableArray& ioFacts, Output& ioOutput )
     {
+        ++mTold;
         if ( mJSON )
         {
             ioFacts.Append( Facts( inObject ).Seal() );
@@ -95,8 +99,9 @@ private:
         ioOutput.Line( inObject.IsActive() ? "" : " (disabled)", Colour::kYellow );
     }
 
-    void TellMacro( const MMacro& inMacro, bool inTree, XMutableArray& ioFacts, Output& ioOutput ) const
+    void TellMacro( const MMacro& inMacro, bool inTree, XMutableArray& ioFacts, Output& ioOutput )
     {
+        ++mTold;
         const std::size_t triggers = inMacro.GetTriggerList().GetCount();
         const auto actions = std::size_t( inMacro.GetActionList()->GetCount() );
         if ( mJSON )
@@ -125,6 +130,7 @@ private:
 
     std::string mPath;
     std::vector<std::string> mQuery;
+    std::size_t mTold = 0;
     bool mGroups = false, mMacros = false, mSmartGroups = false, mJSON = false;
 };
 
@@ -151,9 +157,8 @@ public:
         Output& output = ioContext.mOutput;
         if ( found.empty() )
         {
-            output.Complain(
-                fmt::format( "{} has no macro, group or smart group called “{}”; “korvalen list” shows what it has",
-                    QuotedPath( mPath ), mName ) );
+            output.Complain( fmt::format( "{} has no macro, group or smart group called “{}”; {}", QuotedPath( mPath ),
+                mName, Suggestion( file ) ) );
             return ExitStatus::kFailed;
         }
         if ( found.size() > 1 )
@@ -170,6 +175,26 @@ public:
     }
 
 private:
+    // Names that hold what was asked for, if there are a few.
+    [[nodiscard]] std::string Suggestion( const LoadedMacros& inFile ) const
+    {
+        constexpr std::size_t kMost = 5;
+        std::vector<std::string> near;
+        const auto test = [&]( const MMacroSerializedObject& object ) {
+            if ( kvr_caseInsensitiveContainsString( object.GetName(), TextFromUTF8( mName ) ) )
+                near.push_back( "“" + PlaceOf( object ) + "”" );
+        };
+        for ( const MMacroGroup* const group : inFile.GetGroups() )
+        {
+            test( *group );
+            for ( const MMacro* const macro : LoadedMacros::GetMacros( *group ) )
+                test( *macro );
+        }
+        if ( near.empty() or near.size() > kMost )
+            return "“korvalen list” shows what it has";
+        return fmt::format( "did you mean {}?", fmt::join( near, " or " ) );
+    }
+
     [[nodiscard]] ExitStatus Show( const MMacroSerializedObject& inObject, Output& ioOutput ) const
     {
         if ( mJSON )
@@ -202,7 +227,7 @@ public:
         ioCommand.add_option( "OUT", mOutPath, "Where to write; may be IN; “-” is standard output" )
             ->required()
             ->type_name( "" );
-        ioCommand.add_option( "--format", mFormat, "binary (the default) or xml" )
+        ioCommand.add_option( "--format,--to", mFormat, "binary (the default) or xml" )
             ->type_name( "FORM" )
             ->check( CLI::IsMember( { "binary", "xml" } ).description( "" ) );
         ioCommand.footer(
@@ -241,8 +266,9 @@ private:
             return ExitStatus::kDone;
         }
         if ( const auto error = XAtomicFile::Write( mOutPath, inBytes.Span() ) )
-            throw FileTrouble(
-                error->Describe() + "; make room or ask for permission there, or name another file as OUT" );
+            throw FileTrouble( error->Describe() +
+                "; check that the folder is there, that you may write to it and that it has room, or name another file "
+                "as OUT" );
         return ExitStatus::kDone;
     }
 

@@ -32,7 +32,7 @@ public:
             ->type_name( "" );
         ioCommand.add_option( "--depth", mDepth, "Open only so many levels of containers" )
             ->type_name( "N" )
-            ->check( CLI::NonNegativeNumber );
+            ->check( CLI::Range( 0, 1'000'000 ).description( "" ) );
         ioCommand.add_flag( "--full", mFull, "Show data whole, in base64" );
         ioCommand.add_flag( "--json", mJSON, "Print the JSON form (see plist convert --help), always whole" );
         ioCommand.footer( "Integers show without a point, reals with one; dates are UTC.\n"
@@ -69,7 +69,7 @@ public:
         ioCommand
             .add_option( "-o,--output", mOutputPath, "Write this file, which may be FILE itself; else standard output" )
             ->type_name( "OUT" );
-        ioCommand.add_option( "--to", mTo, "binary, xml or json" )
+        ioCommand.add_option( "--to,--format", mTo, "binary, xml or json" )
             ->required()
             ->type_name( "FORM" )
             ->check( CLI::IsMember( { "binary", "xml", "json" } ).description( "" ) );
@@ -116,8 +116,9 @@ private:
         }
         const std::span bytes( reinterpret_cast<const std::uint8_t*>( inBytes.data() ), inBytes.size() );
         if ( const auto error = XAtomicFile::Write( mOutputPath, bytes ) )
-            throw FileTrouble(
-                error->Describe() + "; make room or ask for permission there, or name another file with -o" );
+            throw FileTrouble( error->Describe() +
+                "; check that the folder is there, that you may write to it and that it has room, or name another file "
+                "with -o" );
         return ExitStatus::kDone;
     }
 

@@ -50,11 +50,20 @@ Text ReasonForPeople( const __SafeCFPropertyList& inElement, TextView inReason )
 {
     const XPlistDictionary* const dictionary = inElement.AsDictionary();
     if ( not dictionary )
-        return kvr_format( u"it is no dictionary but a %s", inElement ? NameOf( inElement.GetType() ) : "null" );
+        return inReason.ends_with( u"->IsCorrectTypeID()" )
+            ? kvr_format( u"it is no dictionary, but of type %s", NameOf( inElement.GetType() ) )
+            : Text( inReason );
+    const auto unknown = [dictionary]( const XKey& key, TextView format ) {
+        const Text name = TextOf( dictionary, key );
+        return name.empty() ? kvr_format( u"its key “%@” is missing or no text", key.Name() )
+                            : kvr_format( format, name );
+    };
     if ( inReason == u"good" or inReason == u"action" )
-        return kvr_format( u"no action type is called “%@”", TextOf( dictionary, CFSTR( "MacroActionType" ) ) );
+        return unknown( CFSTR( "MacroActionType" ), u"no action type is called “%@”" );
     if ( inReason == u"false" )
-        return kvr_format( u"no kind of trigger is called “%@”", TextOf( dictionary, CFSTR( "MacroTriggerType" ) ) );
+        return unknown( CFSTR( "MacroTriggerType" ), u"no kind of trigger is called “%@”" );
+    if ( inReason == u"dictionary->Get( CFSTR(\"SearchStrings\"), strings )" )
+        return u"it has neither a list “Macros”, as a group has, nor “SearchStrings”, as a smart group has";
     if ( inReason == u"actions" )
         return u"its key “Actions” is missing or no array";
     constexpr TextView kRead = u"dictionary->Get( CFSTR(\"";
@@ -124,6 +133,7 @@ private:
         const XPlistNode* inOld );
     void NoteChanged(
         const XPlistDictionary& inSource, const XPlistString& inKey, const XPlistNode* inOld, const XPlistNode* inNew );
+    void NoteAdded( const XPlistDictionary& inSource, const XPlistString& inKey, const XPlistNode* inNew );
     void NoteUID( const MLoadRecorder::UIDs& inUIDs );
     [[nodiscard]] static Text NameOfObject( const XPlistDictionary* inDictionary, const Text& inOtherwise );
 
@@ -273,10 +283,7 @@ void Checker::WalkDictionary( const XPlistDictionary& inSource, const XPlistDict
         const int order = i == source.size() ? 1 : j == saved.size() ? -1 : source[i].mKey->Compare( *saved[j].mKey );
         if ( order > 0 )
         {
-            const bool isUID = saved[j].mKey->Equals( std::string_view( "UID" ) );
-            if ( not isUID ) // told of already
-                Note( Rule::kDefaulted, false, saved[j].mKey->GetText(),
-                    u"would be written as " + Brief( __SafeCFPropertyList( saved[j].mValue ) ) );
+            NoteAdded( inSource, *saved[j].mKey, saved[j].mValue );
             ++j;
             continue;
         }
@@ -288,6 +295,17 @@ void Checker::WalkDictionary( const XPlistDictionary& inSource, const XPlistDict
     }
 }
 
+void Checker::NoteAdded( const XPlistDictionary& inSource, const XPlistString& inKey, const XPlistNode* inNew )
+{
+    if ( inKey.Equals( std::string_view( "UID" ) ) )
+        return; // told of with the object
+    const Text value = u"would be written as " + Brief( __SafeCFPropertyList( inNew ) );
+    if ( const Text* const repair = mRecorder.RepairOf( { inSource, inKey } ) )
+        Note( Rule::kRepaired, true, inKey.GetText(), value + u": " + *repair );
+    else
+        Note( Rule::kDefaulted, false, inKey.GetText(), value );
+}
+
 void Checker::WalkValue(
     const XPlistDictionary& inSource, const XPlistString& inKey, const XPlistNode* inOld, const XPlistNode* inNew )
 {
@@ -297,8 +315,9 @@ void Checker::WalkValue(
         NoteMissing( inSource, inSource, inKey, inOld );
         return;
     }
-    // What was set right as a whole is told as a whole.
-    if ( mRecorder.RepairOf( { inSource, inKey } ) and not( old == saved ) )
+    // What was set right or upgraded as a whole is told as a whole.
+    const MLoadRecorder::KeyID id( inSource, inKey );
+    if ( ( mRecorder.RepairOf( id ) or mRecorder.UpgradeOf( id ) ) and not( old == saved ) )
         NoteChanged( inSource, inKey, inOld, inNew );
     // A list may hold the same elements and yet have lost some: what was dropped is asked for each list.
     else if ( old.AsArray() and saved.AsArray() )

@@ -152,7 +152,7 @@ void MMacro::LoadFromPropertyList( const __SafeCFPropertyList& inValue )
     LoadBaseFromDictionary( dictionary );
 
     CFContainer<XPlistArray> triggers;
-    XThrowIfNot( dictionary->Get( CFSTR( "Triggers" ), triggers ) );
+    XThrowIfNot( dictionary->Get( CFSTR("Triggers"), triggers ) );
     LoadTriggers( *triggers );
 
     CFContainer<XPlistArray> actions;

@@ -117,7 +117,7 @@ void MMacroDomain::LoadFromPropertyList(
     const XPlistDictionary* const dictionary = inValue.AsDictionary();
     XThrowIfNot( dictionary && dictionary->IsCorrectTypeID() );
     CFContainer<XPlistArray> macroGroups;
-    XThrowIfNot( dictionary->Get( CFSTR( "MacroGroups" ), macroGroups ) );
+    XThrowIfNot( dictionary->Get( CFSTR("MacroGroups"), macroGroups ) );
 
     // 3. and 4.
     LoadVersions( *dictionary );

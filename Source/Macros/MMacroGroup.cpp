@@ -333,11 +333,21 @@ void MMacroGroup::LoadActivationFromDictionary( const XPlistDictionary& inDictio
 {
     mActivate = GetStoredEnumerator<MacroGroupActivate>( inDictionary, CFSTR( "Activate" ), kMacroGroupActivateNames );
     std::int32_t keyCode = 0;
-    if ( inDictionary.Get( CFSTR( "KeyCode" ), keyCode ) and keyCode >= 0 and keyCode <= 65535 )
-        mKeyCode = std::uint16_t( keyCode );
+    if ( inDictionary.Get( CFSTR( "KeyCode" ), keyCode ) )
+    {
+        if ( keyCode >= 0 and keyCode <= 65535 )
+            mKeyCode = std::uint16_t( keyCode );
+        else
+            ReportRepair( inDictionary, CFSTR( "KeyCode" ), u"a key code is between 0 and 65535" );
+    }
     std::int64_t modifiers = 0;
-    if ( inDictionary.Get( CFSTR( "Modifiers" ), modifiers ) and modifiers >= 0 and modifiers <= 0xFFFFFFFFll )
-        mModifiers = std::uint32_t( modifiers );
+    if ( inDictionary.Get( CFSTR( "Modifiers" ), modifiers ) )
+    {
+        if ( modifiers >= 0 and modifiers <= 0xFFFFFFFFll )
+            mModifiers = std::uint32_t( modifiers );
+        else
+            ReportRepair( inDictionary, CFSTR( "Modifiers" ), u"modifiers are between 0 and 4294967295" );
+    }
     const auto read = [&inDictionary]( const XKey& key, bool whenMissing ) {
         (void)inDictionary.Get( key, whenMissing );
         return whenMissing;
@@ -419,7 +429,7 @@ void MMacroGroup::LoadFromPropertyList( const __SafeCFPropertyList& inValue, con
 
     // 9. The macros.
     CFContainer<XPlistArray> macros;
-    XThrowIfNot( dictionary->Get( CFSTR( "Macros" ), macros ) );
+    XThrowIfNot( dictionary->Get( CFSTR("Macros"), macros ) );
     LoadMacros( *macros, inOverrides );
 }
 
@@ -468,7 +478,10 @@ void MMacroGroup::ForceDefaults( const XPlistDictionary& inDictionary )
     if ( mTarget.GetType() != MacroAppTargetType::kAll )
         ReportRepair( inDictionary, CFSTR( "Targeting" ), kReason );
     if ( mWindowCondition.GetType() != FrontWindowConditionType::kAlways )
+    {
         ReportRepair( inDictionary, CFSTR( "FocussedWindowConditionType" ), kReason );
+        ReportRepair( inDictionary, CFSTR( "FocussedWindowTitle" ), kReason );
+    }
     if ( mActivate != MacroGroupActivate::kNormal )
         ReportRepair( inDictionary, CFSTR( "Activate" ), kReason );
     if ( not IsActive() )

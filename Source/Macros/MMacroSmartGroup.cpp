@@ -81,7 +81,7 @@ void MMacroSmartGroup::LoadFromPropertyList( const __SafeCFPropertyList& inValue
     LoadBaseFromDictionary( dictionary );
 
     CFContainer<XPlistArray> strings;
-    XThrowIfNot( dictionary->Get( CFSTR( "SearchStrings" ), strings ) );
+    XThrowIfNot( dictionary->Get( CFSTR("SearchStrings"), strings ) );
     mSearchStrings.clear();
     for ( std::size_t i = 0; i < strings->GetCount(); ++i )
     {

@@ -10,8 +10,8 @@
 
 TEST( Program, HelpFitsOnOneScreenAndEveryVerbHasAnExample )
 {
-    const std::vector<std::vector<std::string>> kVerbs = { {}, { "plist" }, { "plist", "print" },
-        { "plist", "convert" }, { "plist", "verify" }, { "plist", "compare" } };
+    const std::vector<std::vector<std::string>> kVerbs = { {}, { "check" }, { "list" }, { "show" }, { "convert" },
+        { "plist" }, { "plist", "print" }, { "plist", "convert" }, { "plist", "verify" }, { "plist", "compare" } };
     for ( auto arguments : kVerbs )
     {
         arguments.push_back( "--help" );
@@ -23,7 +23,7 @@ TEST( Program, HelpFitsOnOneScreenAndEveryVerbHasAnExample )
         for ( std::string line; std::getline( lines, line ); )
             EXPECT_LE( TextFromUTF8( line ).size(), 100u ) << line;
         EXPECT_NE(
-            help.mOutput.find( arguments.size() > 1 ? "Example: korvalen plist" : "Try: korvalen" ), std::string::npos )
+            help.mOutput.find( arguments.size() > 1 ? "Example: korvalen " : "Try: korvalen" ), std::string::npos )
             << help.mOutput;
     }
 }
