@@ -2,6 +2,7 @@
 
 #include "XCAF/XFileWriting.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <span>
@@ -20,17 +21,16 @@ bool IsRegular( int inDescriptor, struct stat& outStatus )
     return ::fstat( inDescriptor, &outStatus ) == 0 and S_ISREG( outStatus.st_mode );
 }
 
-bool WriteAll( int inDescriptor, std::string_view inBytes )
+void WriteAll( int inDescriptor, std::string_view inBytes )
 {
     while ( not inBytes.empty() )
     {
         const ssize_t written = ::write( inDescriptor, inBytes.data(), inBytes.size() );
-        if ( written < 0 and errno != EINTR )
-            return false;
         if ( written > 0 )
             inBytes.remove_prefix( std::size_t( written ) );
+        else if ( written == 0 or errno != EINTR )
+            return;
     }
-    return true;
 }
 
 // The last bytes of the file if it is too large, else nothing.

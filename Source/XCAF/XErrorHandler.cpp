@@ -101,21 +101,38 @@ const DebugLevel* PublishLevel( DebugLevel inLevel )
     return state.mLevels.back().get();
 }
 
+// What the source says; absent also when it throws, for logging never fails upward.
+template<class Value>
+std::optional<Value> AskSource(
+    std::function<std::optional<Value>( TextView )> XErrorHandler::PreferenceSource::*inRead, TextView inKey )
+{
+    State& state = TheState();
+    try
+    {
+        std::function<std::optional<Value>( TextView )> read;
+        {
+            const std::scoped_lock lock( state.mMutex );
+            read = state.mSource.*inRead;
+        }
+        return read ? read( inKey ) : std::nullopt;
+    }
+    catch ( const std::exception& )
+    {
+        return std::nullopt;
+    }
+}
+
 // Null while there is no source, or while it is being asked: by this very thread if the source logs, or by another,
 // for which waiting could be a deadlock.
 const DebugLevel* ReadLevel()
 {
     State& state = TheState();
-    if ( not state.mHasSource.load( std::memory_order_acquire ) or state.mIsReadingDebug.exchange( true ) )
+    if ( not state.mHasSource.load( std::memory_order_acquire ) )
         return nullptr;
-    if ( const DebugLevel* level = state.mLevel.load( std::memory_order_acquire ) ) // read a moment ago
-        return level;
-    std::function<std::optional<Text>( TextView )> read;
-    {
-        const std::scoped_lock lock( state.mMutex );
-        read = state.mSource.mText;
-    }
-    const std::string words = UTF8FromText( ( read ? read( u"Debug" ) : std::nullopt ).value_or( Text() ) );
+    if ( state.mIsReadingDebug.exchange( true ) )
+        return state.mLevel.load( std::memory_order_acquire ); // another may have read it a moment ago
+    const std::string words =
+        UTF8FromText( AskSource( &XErrorHandler::PreferenceSource::mText, u"Debug" ).value_or( Text() ) );
     if ( words.size() > XErrorHandler::kMaxDebugBytes )
     {
         const DebugLevel* level = PublishLevel( {} );
@@ -217,13 +234,8 @@ void BeepIfAsked()
     int beep = state.mAssertBeep.load();
     if ( beep < 0 and state.mHasSource )
     {
-        std::function<std::optional<bool>( TextView )> read;
-        {
-            const std::scoped_lock lock( state.mMutex );
-            read = state.mSource.mBoolean;
-        }
         state.mAssertBeep = 0; // an assertion of the source itself doesn't come back here
-        beep = read and read( u"AssertBeep" ).value_or( false );
+        beep = AskSource( &XErrorHandler::PreferenceSource::mBoolean, u"AssertBeep" ).value_or( false );
         state.mAssertBeep = beep;
     }
     if ( beep > 0 )
@@ -361,6 +373,11 @@ void XErrorHandler::ResetForTesting()
     state.mAssertBeep = -1;
     state.mQuitting = false;
     state.mSyncronous = false;
+}
+
+std::shared_ptr<XQueue> XErrorHandler::LogQueueForTesting()
+{
+    return XWork::Current().Shared<LogFileQueue>().mQueue;
 }
 
 void XErrorHandler::SetSyncronousLogging( bool inOn )

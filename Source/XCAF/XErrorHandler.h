@@ -30,7 +30,8 @@ void PrivateLogMessage( bool inToSystemLog, TextView inMessage );
 /// Where the two preferences of logging come from; absent means not set. The row that knows the
 /// preferences fills it in at start-up. Each is read once in a process, "Debug" by the first
 /// question about a tag, "AssertBeep" by the first failed assertion; before there is a source every
-/// tag but the three is off, and the question stays open. The functions may log.
+/// tag but the three is off, and the question stays open. The functions may log; one that throws
+/// counts as not set.
 struct PreferenceSource
 {
     std::function<std::optional<Text>( TextView inKey )> mText;

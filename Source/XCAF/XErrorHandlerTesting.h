@@ -4,6 +4,9 @@
 #include "CFMethods/Text.h"
 
 #include <functional>
+#include <memory>
+
+class XQueue;
 
 namespace XErrorHandler
 {
@@ -14,6 +17,9 @@ void SetSinkForTesting( TestSink inSink );
 /// As at the start of a process: nothing read, no source, not quitting. The logs folder and the sink stay;
 /// a file is opened anew in each environment of queues. While nothing else runs.
 void ResetForTesting();
+
+/// `gLogFileQueue` of the environment in use.
+[[nodiscard]] std::shared_ptr<XQueue> LogQueueForTesting();
 
 /// `gHackSyncronousLogging`: every entry is on disk before the call returns.
 void SetSyncronousLogging( bool inOn );

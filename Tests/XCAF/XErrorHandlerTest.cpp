@@ -203,13 +203,44 @@ TEST_F( Logging, AnAssertionGoesOnAndBeepsIfAsked )
         << File();
 }
 
-TEST_F( Logging, QuittingPutsEveryEntryOnDiskEvenFromTheLogQueue )
+TEST_F( Logging, ASourceThatThrowsCountsAsNotSet )
+{
+    XErrorHandler::ResetForTesting();
+    XErrorHandler::SetPreferenceSource( { []( TextView ) -> std::optional<Text> { throw std::bad_alloc(); },
+        []( TextView ) -> std::optional<bool> { throw std::bad_alloc(); } } );
+    EXPECT_NO_THROW( EXPECT_FALSE( XErrorHandler::MaybeShouldLog( "XTask" ) ) );
+    EXPECT_NO_THROW( XAssert( 1 > 2 ) );
+    mWork.RunAll();
+    EXPECT_NE( File().find( "Assertion Failed: 1 > 2" ), std::string::npos );
+}
+
+TEST_F( Logging, QuittingPutsEveryEntryOnDisk )
 {
     XErrorHandler::PrivateMaybeLogFormat( "display", "before" );
     XErrorHandler::Quitting();
     EXPECT_NE( File().find( " before\n" ), std::string::npos );
     XErrorHandler::PrivateMaybeLogFormat( "display", "after" );
     EXPECT_NE( File().find( " after\n" ), std::string::npos );
+}
+
+TEST_F( Logging, AnEntryFromTheLogQueueDoesNotWaitForItselfWhileQuitting )
+{
+    XThreadedWork work( XClock::System() );
+    const XWork::Substitute inUse( work );
+    const std::shared_ptr<XQueue> logQueue = XErrorHandler::LogQueueForTesting();
+    logQueue->Async( [] {
+        XErrorHandler::Quitting();
+        XErrorHandler::PrivateMaybeLogFormat( "display", "from the queue" );
+        // By way of another queue, for which a block of the log queue waits.
+        XWork::Current().MakeSerialQueue( u"q" )->Sync(
+            [] { XErrorHandler::PrivateMaybeLogFormat( "display", "on its behalf" ); } );
+    } );
+    logQueue->Sync( [] {} );
+    XErrorHandler::PrivateMaybeLogFormat( "display", "last" );
+    const std::string file = File();
+    for ( const char* line : { " from the queue\n", " on its behalf\n", " last\n" } )
+        EXPECT_NE( file.find( line ), std::string::npos ) << line;
+    EXPECT_EQ( file.find( "Assertion" ), std::string::npos );
 }
 
 TEST_F( Logging, AFileThatCannotBeWrittenTroublesNobody )
