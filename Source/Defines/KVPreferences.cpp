@@ -2,13 +2,13 @@
 
 #include "Defines/KVPreferenceDomain.h"
 #include "Utility/Work/Random.h"
+#include "XCAF/UserFolders.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <pwd.h>
-#include <unistd.h>
+#include <vector>
 
 namespace KVPreferences
 {
@@ -19,7 +19,7 @@ constexpr const char* kFolderName = "Korvalen";
 /// What was read once or is open. UseFolder begins anew with another.
 struct State
 {
-    std::mutex mMutex; // for finding a domain and for the cached paths and identities, never held during a read
+    std::mutex mMutex; // guards mDomains; never held while a domain is at work, for what it logs may read settings
     std::filesystem::path mFolder;
     std::map<std::string, std::unique_ptr<KVPreferenceDomain>, std::less<>> mDomains;
     std::once_flag mFolderOnce, mMacUUIDOnce, mMacRemoteUUIDOnce;
@@ -29,28 +29,6 @@ struct State
 
 std::mutex gStateMutex;
 std::shared_ptr<State> gState;
-
-std::filesystem::path FromEnvironment( const char* inName )
-{
-    const char* value = std::getenv( inName );
-    std::filesystem::path path( value ? value : "" );
-    // The rule of the base folders: a path that isn't absolute counts as not set.
-    return path.is_absolute() ? path : std::filesystem::path();
-}
-
-std::filesystem::path HomeFolder()
-{
-    if ( auto home = FromEnvironment( "HOME" ); not home.empty() )
-        return home;
-    const passwd* user = ::getpwuid( ::getuid() );
-    return user and user->pw_dir ? user->pw_dir : "/";
-}
-
-std::filesystem::path BaseFolder( const char* inVariable, const char* inBelowHome )
-{
-    auto folder = FromEnvironment( inVariable );
-    return folder.empty() ? HomeFolder() / inBelowHome : folder;
-}
 
 /// KORVALEN_HOME may be relative, as a shell user writes it; later changes of folder mustn't move it.
 std::filesystem::path GivenFolder()
@@ -76,7 +54,7 @@ std::shared_ptr<State> CurrentState()
 
 std::filesystem::path ConfigurationFolderOf( const State& inState )
 {
-    return inState.mFolder.empty() ? BaseFolder( "XDG_CONFIG_HOME", ".config" ) / kFolderName : inState.mFolder;
+    return inState.mFolder.empty() ? kvr_userFolder( "XDG_CONFIG_HOME", ".config" ) / kFolderName : inState.mFolder;
 }
 
 KVPreferenceDomain& DomainOf( State& ioState, const PreferenceID& inID )
@@ -151,7 +129,7 @@ std::filesystem::path FindFolderPath( State& ioState )
     Text name = Get( kPreferenceFolderNameID, u"" ).GetText();
     if ( not IsFolderName( name ) )
         name = TextFromASCII( kFolderName );
-    return MadeFolder( BaseFolder( "XDG_DATA_HOME", ".local/share" ) / UTF8FromText( name ) );
+    return MadeFolder( kvr_userFolder( "XDG_DATA_HOME", ".local/share" ) / UTF8FromText( name ) );
 }
 } // namespace
 
@@ -313,9 +291,14 @@ void Start()
 bool WriteUnsaved()
 {
     const auto state = CurrentState();
-    const std::scoped_lock lock( state->mMutex );
+    std::vector<KVPreferenceDomain*> domains; // they live as long as the state
+    {
+        const std::scoped_lock lock( state->mMutex );
+        for ( const auto& [name, domain] : state->mDomains )
+            domains.push_back( domain.get() );
+    }
     bool isDone = true;
-    for ( const auto& [name, domain] : state->mDomains )
+    for ( KVPreferenceDomain* domain : domains )
         isDone = domain->WriteUnsaved() and isDone;
     return isDone;
 }

@@ -5,13 +5,13 @@
 #include "Utility/Work/Clock.h"
 #include "Utility/Work/Work.h"
 #include "XCAF/LogFile.h"
+#include "XCAF/UserFolders.h"
 #include "XCAF/XErrorHandlerTesting.h"
 #include "XCAF/XFileWriting.h"
 
 #include <atomic>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <mutex>
@@ -219,15 +219,6 @@ void WriteToFile( const Text& inMessage )
         log.mQueue->Sync( [] {} );
 }
 
-std::filesystem::path DefaultLogsFolder()
-{
-    const char* state = std::getenv( "XDG_STATE_HOME" );
-    if ( state and state[0] == '/' )
-        return std::filesystem::path( state ) / "Korvalen";
-    const char* home = std::getenv( "HOME" );
-    return std::filesystem::path( home and home[0] == '/' ? home : "/tmp" ) / ".local/state/Korvalen";
-}
-
 void BeepIfAsked()
 {
     State& state = TheState();
@@ -343,7 +334,7 @@ std::filesystem::path XErrorHandler::LogsFolder()
         folder = state.mLogsFolder;
     }
     if ( folder.empty() )
-        folder = DefaultLogsFolder();
+        folder = kvr_userFolder( "XDG_STATE_HOME", ".local/state" ) / "Korvalen";
     (void)MakeFolders( folder );
     return folder;
 }

@@ -7,6 +7,7 @@
 #include "Utility/Work/Clock.h"
 #include "Utility/Work/Random.h"
 #include "XCAF/XErrorHandler.h"
+#include "XCAF/XErrorHandlerTesting.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
@@ -293,6 +294,22 @@ TEST( KVPreferences, TheLogReadsItsSettingsAndADamagedFileDoesNotStopIt )
     EXPECT_TRUE( XErrorHandler::MaybeShouldLog( "SomeTag" ) );
     EXPECT_FALSE( XErrorHandler::MaybeShouldLog( "ThirdTag" ) );
     XErrorHandler::ResetForTesting();
+}
+
+TEST( KVPreferences, ALogLineOfAFailedWriteMayReadSettings )
+{
+    const OwnSettings settings;
+    fs::create_directory( settings.mFolder / "com.tessarine.korvalen.engine.plist" ); // in the way
+    int lines = 0;
+    XErrorHandler::SetSinkForTesting( [&]( bool, TextView ) {
+        ++lines;
+        EXPECT_TRUE( KVPreferences::GetBoolean( KVPreferences::kAutoShowActionsID, true ) );
+    } );
+    EXPECT_FALSE( KVPreferences::Set( kSomeID, Integer( 1 ) ) );
+    const int before = lines;
+    EXPECT_FALSE( KVPreferences::WriteUnsaved() );
+    XErrorHandler::SetSinkForTesting( {} );
+    EXPECT_GT( lines, before );
 }
 
 TEST( KVPreferenceDomain, EachReadSeesWhatAnotherWroteLast )

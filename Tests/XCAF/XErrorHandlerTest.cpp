@@ -7,15 +7,18 @@
 #include "Utility/Work/ThreadedWork.h"
 #include "XCAF/ErrorAlert.h"
 #include "XCAF/KVDiagnostics.h"
+#include "XCAF/UserFolders.h"
 #include "XCAF/XErrorHandlerTesting.h"
 #include "XCAF/XException.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <regex>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
@@ -344,6 +347,18 @@ TEST_F( Logging, TheDefaultFolderFollowsTheStateFolder )
     EXPECT_EQ( XErrorHandler::LogFilePath(), mFolder / "Korvalen" / "Editor.log" );
     EXPECT_TRUE( std::filesystem::is_directory( mFolder / "Korvalen" ) );
     kept ? ::setenv( "XDG_STATE_HOME", kept->c_str(), 1 ) : ::unsetenv( "XDG_STATE_HOME" );
+}
+
+TEST( UserFolders, WithoutAHomeInTheEnvironmentTheAccountsOneCounts )
+{
+    const char* home = std::getenv( "HOME" );
+    const std::optional<std::string> kept = home ? std::optional<std::string>( home ) : std::nullopt;
+    const std::filesystem::path expected = ::getpwuid( ::getuid() )->pw_dir;
+    ::unsetenv( "HOME" );
+    EXPECT_EQ( kvr_userFolder( "KORVALEN_NO_SUCH_VARIABLE", "a/b" ), expected / "a/b" );
+    ::setenv( "HOME", "relative", 1 );
+    EXPECT_EQ( kvr_userFolder( "KORVALEN_NO_SUCH_VARIABLE", "a/b" ), expected / "a/b" );
+    kept ? ::setenv( "HOME", kept->c_str(), 1 ) : ::unsetenv( "HOME" );
 }
 
 TEST_F( Logging, AnUncaughtExceptionAlertsOnlyInTheActiveApplication )
