@@ -29,3 +29,30 @@ void XException::WarnUncaught( TextView inWhere ) const
             kvr_format( "WARNING: Uncaught Exception in %@", inWhere ), kvr_format( "%@ \n%@", mLocation, mMessage ) );
     Log( inWhere );
 }
+
+void XException::LogCurrent( TextView inWhere ) noexcept
+{
+    try
+    {
+        try
+        {
+            throw;
+        }
+        catch ( const XException& exception )
+        {
+            exception.Log( inWhere );
+        }
+        catch ( const std::exception& exception )
+        {
+            XException( exception.what(), "unknown", 0 ).Log( inWhere );
+        }
+        catch ( ... )
+        {
+            XException( "an exception of unknown type", "unknown", 0 ).Log( inWhere );
+        }
+    }
+    catch ( const std::exception& )
+    {
+        // Out of memory for the line itself.
+    }
+}

@@ -22,6 +22,8 @@ public:
     void Log( TextView inWhere ) const;
     /// If this application is the active one, shows a critical alert; then logs. Main thread.
     void WarnUncaught( TextView inWhere ) const;
+    /// Inside a catch block: logs whatever is being handled, as Log does. Any thread.
+    static void LogCurrent( TextView inWhere ) noexcept;
 
 private:
     Text mLocation;
@@ -31,17 +33,17 @@ private:
 
 /// Throws when the condition fails; the message is the condition as it stands here, so a required
 /// read quotes itself: XThrowIfNot( dictionary->Get( CFSTR("Triggers"), triggers ) ).
-#define XThrowIfNot( ... )                                                                                            \
-    do                                                                                                                \
-    {                                                                                                                 \
-        if ( not( __VA_ARGS__ ) ) [[unlikely]]                                                                        \
-            throw XException( #__VA_ARGS__, __FILE__, __LINE__ );                                                     \
+#define XThrowIfNot( ... )                                                                                             \
+    do                                                                                                                 \
+    {                                                                                                                  \
+        if ( not( __VA_ARGS__ ) ) [[unlikely]]                                                                         \
+            throw XException( #__VA_ARGS__, __FILE__, __LINE__ );                                                      \
     } while ( false )
 
 /// The same with a given text, for messages that are no expression here.
-#define XThrowIfNotText( inCondition, inText )                                                                        \
-    do                                                                                                                \
-    {                                                                                                                 \
-        if ( not( inCondition ) ) [[unlikely]]                                                                        \
-            throw XException( inText, __FILE__, __LINE__ );                                                           \
+#define XThrowIfNotText( inCondition, inText )                                                                         \
+    do                                                                                                                 \
+    {                                                                                                                  \
+        if ( not( inCondition ) ) [[unlikely]]                                                                         \
+            throw XException( inText, __FILE__, __LINE__ );                                                            \
     } while ( false )

@@ -32,9 +32,9 @@ public:
     std::uint64_t Add( Reach inReach, TextView inName, const void* inTarget, Block inBlock )
     {
         const std::scoped_lock lock( mMutex );
-        const auto registration = Registration{ ++mLast, inReach, Text( inName ), inTarget, std::move( inBlock ) };
-        mRegistrations.push_back( std::make_shared<const Registration>( registration ) );
-        return registration.mNumber;
+        mRegistrations.push_back( std::make_shared<const Registration>(
+            Registration{ ++mLast, inReach, Text( inName ), inTarget, std::move( inBlock ) } ) );
+        return mLast;
     }
 
     template<class Which>
@@ -146,8 +146,12 @@ void XNotificationCenter::RemoveEveryCocoaObserver( const void* inTarget )
 void XNotificationCenter::PostNotification(
     TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool /*inDeliverImmediately*/ )
 {
-    CheckMainThread( "Distributed Notification %@ sent from non-main thread", inName );
-    Platform::Current().ProcessNotifier().Post( inName, inUserInfo );
+    // The carrier belongs to the main thread.
+    if ( CheckMainThread( "Distributed Notification %@ sent from non-main thread", inName ) )
+        Platform::Current().ProcessNotifier().Post( inName, inUserInfo );
+    else
+        XWork::Current().MainQueue()->Async(
+            [name = Text( inName ), inUserInfo] { Platform::Current().ProcessNotifier().Post( name, inUserInfo ); } );
     TheCenter().DeliverSoon( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
 }
 

@@ -31,7 +31,7 @@ void RemoveCocoaObserver( const void* inTarget, TextView inName );
 void RemoveEveryCocoaObserver( const void* inTarget );
 
 /// Posts to other processes at once, and to this one's observers in the next turn of the main
-/// queue. Main thread; from another it is an assertion, and posted all the same.
+/// queue. Main thread; from another it is an assertion, and posted all the same, in the next turn.
 void PostNotification( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool inDeliverImmediately );
 /// Calls the internal observers before it returns. Main thread; from another it is an assertion, and they are
 /// called all the same, in the next turn of the main queue.

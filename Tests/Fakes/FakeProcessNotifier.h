@@ -2,12 +2,16 @@
 #pragma once
 
 #include "Platform/ProcessNotifications.h"
+#include "Utility/Work/Work.h"
+
+#include <gtest/gtest.h>
 
 class FakeProcessNotifier final : public XProcessNotifier
 {
 public:
     void Post( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo ) override
     {
+        EXPECT_TRUE( XIsMainThread() );
         mPosts.emplace_back( inName, inUserInfo );
     }
     void SetReceiver( Receiver inReceiver ) override { mReceiver = std::move( inReceiver ); }

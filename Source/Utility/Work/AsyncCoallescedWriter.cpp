@@ -4,6 +4,7 @@
 #include "Platform/Platform.h"
 #include "Platform/ProcessNotifications.h"
 #include "XCAF/XErrorHandler.h"
+#include "XCAF/XException.h"
 
 #include <map>
 #include <vector>
@@ -158,7 +159,16 @@ void AsyncCoallescedWriter::writeOne()
     dropped.clear();
     if ( not newest )
         return;
-    if ( not newest() )
+    bool isWritten = false;
+    try
+    {
+        isWritten = newest();
+    }
+    catch ( ... ) // a failed write as well, and the senders wait to be told
+    {
+        XException::LogCurrent( mQueue->GetLabel() );
+    }
+    if ( not isWritten )
         XErrorHandler::PrivateMaybeLogFormat( "always", "AsyncCoallescedWriter %@ write error", mCode );
     Notify( senders );
 }

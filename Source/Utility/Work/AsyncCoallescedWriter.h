@@ -7,7 +7,6 @@
 #include "CFMethods/Text.h"
 #include "Utility/Work/Work.h"
 
-#include <atomic>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -18,7 +17,7 @@
 class AsyncCoallescedWriter
 {
 public:
-    /// Runs on the writer's queue; true on success.
+    /// Runs on the writer's queue; true on success. One that throws has failed.
     using WriteBlock = std::function<bool()>;
 
     /// The writer of a code, made at first use. Null, with an assertion, once shutdown has begun.

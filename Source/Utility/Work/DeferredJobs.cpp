@@ -1,6 +1,7 @@
 #include "Utility/Work/DeferredJobs.h"
 
 #include "XCAF/XErrorHandler.h"
+#include "XCAF/XException.h"
 
 #include <algorithm>
 #include <vector>
@@ -71,17 +72,16 @@ private:
         return taken;
     }
 
-    // A block of its own on the queue's behalf: an exception loses this job only.
-    void Run( DeferredJob& ioJob )
+    // Several run in one block of the queue; an exception loses this one only.
+    static void Run( DeferredJob& ioJob )
     {
         try
         {
             ioJob.mBlock();
         }
-        catch ( const std::exception& exception )
+        catch ( ... )
         {
-            XErrorHandler::PrivateMaybeLogFormat(
-                "always", "WARNING: Uncaught Exception in %@: %s", ioJob.mKey, exception.what() );
+            XException::LogCurrent( ioJob.mKey );
         }
         ioJob.mBlock = nullptr;
     }

@@ -30,7 +30,10 @@ struct Results
 
 ThreadFinished::Token ThreadFinished::GetNewToken()
 {
-    XAssertText( XIsMainThread(), "[NSThread isMainThread]" );
+    const bool isMain = XIsMainThread();
+    XAssertText( isMain, "[NSThread isMainThread]" );
+    if ( not isMain )
+        return kNull;
     auto& tokens = XWork::Current().Shared<Tokens>();
     const Token token = ++tokens.mLast;
     tokens.mLive.Insert( token );
@@ -52,7 +55,10 @@ bool ThreadFinished::IsLive( Token inToken )
 
 ThreadDataHolder::Token ThreadDataHolder::Start()
 {
-    XAssertText( XIsMainThread(), "[NSThread isMainThread]" );
+    const bool isMain = XIsMainThread();
+    XAssertText( isMain, "[NSThread isMainThread]" );
+    if ( not isMain )
+        return kNull;
     AbandonToken();
     mToken = ++XWork::Current().Shared<Tokens>().mLast;
     XWork::Current().Shared<Results>().mInFlight.insert( mToken );

@@ -11,7 +11,7 @@ namespace ThreadFinished
 using Token = std::uint64_t;
 inline constexpr Token kNull = 0;
 
-/// A token that is live until Finished. Main thread.
+/// A token that is live until Finished. Main thread; from another it is an assertion, and kNull.
 [[nodiscard]] Token GetNewToken();
 /// The token stops being live, on the main queue; kNull does nothing. Any thread.
 void Finished( Token inToken );
@@ -33,6 +33,7 @@ public:
     ThreadDataHolder& operator=( const ThreadDataHolder& ) = delete;
 
     /// Takes a new token, to be handed to the worker; an earlier one is abandoned, its result dropped.
+    /// From another thread than the main one it is an assertion, and kNull.
     Token Start();
     /// Whether the worker of the present token has delivered. Then GetResult has it.
     [[nodiscard]] bool IsFinished();

@@ -80,29 +80,9 @@ void XQueue::Run( Job& ioJob ) const
         else if ( mKind == Kind::kMain )
             throw;
         else
-            LogUncaught( std::current_exception() );
+            XException::LogCurrent( mLabel );
     }
     ioJob.mBlock = nullptr; // what it captured goes here, not under somebody's lock
-}
-
-void XQueue::LogUncaught( const std::exception_ptr& inException ) const
-{
-    try
-    {
-        std::rethrow_exception( inException );
-    }
-    catch ( const XException& exception )
-    {
-        exception.Log( mLabel );
-    }
-    catch ( const std::exception& exception )
-    {
-        XException( exception.what(), "XQueue", 0 ).Log( mLabel );
-    }
-    catch ( ... )
-    {
-        XException( "an exception of unknown type", "XQueue", 0 ).Log( mLabel );
-    }
 }
 
 void XQueue::PrivateSync( const XBlock& inBlock, std::unique_lock<std::mutex>* ioLock )

@@ -108,7 +108,6 @@ private:
     friend bool XIsMainThread();
 
     void PrivateSync( const XBlock& inBlock, std::unique_lock<std::mutex>* ioLock );
-    void LogUncaught( const std::exception_ptr& inException ) const;
 
     static thread_local const Frame* gFrame;
 

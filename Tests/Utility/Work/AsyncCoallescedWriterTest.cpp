@@ -105,6 +105,17 @@ TEST_F( WriterTest, AReadFromInsideAWriteRunsAtOnceAndIsReported )
     EXPECT_EQ( mWorld.mLog.CountContaining( "AsyncCoallescedWriter Test write error" ), 1u );
 }
 
+TEST_F( WriterTest, AWriteThatThrowsHasFailedAndItsSendersAreToldAllTheSame )
+{
+    mWriter->asyncCoallescedWrite( Write( "1" ), u"KV_Test", u"a" );
+    mWriter->asyncCoallescedWrite( []() -> bool { throw std::runtime_error( "disk" ); }, u"KV_Test", u"b" );
+    mWorld.mWork.RunAll();
+    EXPECT_EQ( mRan, "" );
+    EXPECT_EQ( mNotifications.Senders( u"KV_Test" ), ( std::vector<std::string>{ "a", "b" } ) );
+    EXPECT_EQ( mWorld.mLog.CountContaining( "AsyncCoallescedWriter Test write error" ), 1u );
+    EXPECT_EQ( mWorld.mLog.CountContaining( "WARNING: Uncaught Exception in com.tessarine.korvalen.Test: disk" ), 1u );
+}
+
 TEST_F( WriterTest, TerminatingRunsWhatIsPendingAndThenNothing )
 {
     AsyncCoallescedWriter* other = AsyncCoallescedWriter::asyncCoallescedWriter( u"Other" );

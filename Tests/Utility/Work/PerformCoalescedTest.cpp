@@ -248,8 +248,11 @@ TEST_F( Jobs, FinishRunsEveryJobEarlyInOrderAndNothingComesAfter )
         mRan += "2";
         throw std::runtime_error( "this job only" );
     } );
+    DeferredJobs::Add( u"throws what is no exception", 3, [] { throw 3; } );
     DeferredJobs::Finish();
     EXPECT_EQ( mRan, "123" );
+    EXPECT_EQ( mWorld.mLog.CountContaining( "WARNING: Uncaught Exception in throws: this job only" ), 1u );
+    EXPECT_EQ( mWorld.mLog.CountContaining( "in throws what is no exception: an exception of unknown type" ), 1u );
     DeferredJobs::Add( u"after", 0, Note( "4" ) );
     mWorld.mWork.Advance( 200 );
     EXPECT_EQ( mRan, "123" );

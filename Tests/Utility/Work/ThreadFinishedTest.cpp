@@ -68,4 +68,11 @@ TEST( ThreadDataHolder, MisuseIsAnAssertion )
     EXPECT_FALSE( holder.IsFinished() );
     EXPECT_EQ( world.mLog.CountAssertions( "token != kNull" ), 1u );
     EXPECT_EQ( world.mLog.CountAssertions( "result" ), 1u );
+    const auto before = holder.GetToken();
+    world.mWork.MakeSerialQueue( u"worker" )->Sync( [&] {
+        EXPECT_EQ( ThreadFinished::GetNewToken(), ThreadFinished::kNull );
+        EXPECT_EQ( holder.Start(), ThreadDataHolder::kNull );
+    } );
+    EXPECT_EQ( holder.GetToken(), before ); // dropped, not half done
+    EXPECT_EQ( world.mLog.CountAssertions( "[NSThread isMainThread]" ), 2u );
 }
