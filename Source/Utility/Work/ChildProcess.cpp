@@ -12,6 +12,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -212,6 +213,21 @@ struct XChildProcess::Parts
         Poke();
     }
     void SignalGroup( int inSignal ) const { ::kill( -mProcess, inSignal ); }
+    // The command itself by its own number too, for it may have gone to another group.
+    void KillGroup() const
+    {
+        SignalGroup( SIGKILL );
+        ::kill( mProcess, SIGKILL );
+    }
+    // From here on the number is free for another process.
+    [[nodiscard]] int Reap()
+    {
+        int status = 0;
+        while ( ::waitpid( mProcess, &status, 0 ) < 0 and errno == EINTR )
+        {}
+        mProcess = 0;
+        return status;
+    }
 };
 
 // The poll loop and its state.
@@ -242,12 +258,12 @@ public:
             CheckDeadline();
         }
         if ( mCause != End::Cause::kItself )
-            mParts.SignalGroup( SIGKILL ); // the rest of the group, before the number is free
-        mWritten = 0;
-        while ( ReadOnce( mParts.mOutput.mRead, false ) and mWritten < kMaxPipeContent )
+            mParts.KillGroup(); // the rest of the group, before the number is free
+        mReadSinceEnd = 0;
+        while ( ReadOnce( mParts.mOutput.mRead, false ) and mReadSinceEnd < kMaxPipeContent )
         {}
-        mWritten = 0;
-        while ( ReadOnce( mParts.mError.mRead, true ) and mWritten < kMaxPipeContent )
+        mReadSinceEnd = 0;
+        while ( ReadOnce( mParts.mError.mRead, true ) and mReadSinceEnd < kMaxPipeContent )
         {}
         return mCause;
     }
@@ -307,7 +323,7 @@ private:
             ioDescriptor.Close();
             return false;
         }
-        mWritten += std::size_t( count );
+        mReadSinceEnd += std::size_t( count );
         mTotal += std::size_t( count );
         if ( mTotal > mLimits.mMaximumOutput )
             Kill( End::Cause::kTooMuchOutput );
@@ -337,7 +353,7 @@ private:
     {
         if ( mCause == End::Cause::kItself )
             mCause = inCause;
-        mParts.SignalGroup( SIGKILL );
+        mParts.KillGroup();
         mDeadline.reset();
     }
 
@@ -348,7 +364,7 @@ private:
     const XClock& mClock;
     std::vector<char> mBuffer;
     std::optional<double> mDeadline;
-    std::size_t mTotal = 0, mWritten = 0;
+    std::size_t mTotal = 0, mReadSinceEnd = 0;
     End::Cause mCause = End::Cause::kItself;
 };
 
@@ -356,12 +372,13 @@ XChildProcess::XChildProcess( std::unique_ptr<Parts> inParts ) : mParts( std::mo
 
 XChildProcess::~XChildProcess()
 {
-    if ( not mParts->mWaiter.joinable() )
+    if ( mParts->mProcess == 0 )
         return;
     // Started, but nobody communicated: it doesn't go on unheard.
-    mParts->SignalGroup( SIGKILL );
-    mParts->mWaiter.join();
-    ::waitpid( mParts->mProcess, nullptr, 0 );
+    mParts->KillGroup();
+    if ( mParts->mWaiter.joinable() )
+        mParts->mWaiter.join();
+    (void)mParts->Reap();
 }
 
 std::unique_ptr<XChildProcess> XChildProcess::Start( const Command& inCommand, std::string& outFault )
@@ -406,7 +423,15 @@ std::unique_ptr<XChildProcess> XChildProcess::Start( const Command& inCommand, s
     }
     Parts& started = *parts;
     std::unique_ptr<XChildProcess> child( new XChildProcess( std::move( parts ) ) );
-    started.mWaiter = std::thread( [&started] { started.WaitForEnd(); } );
+    try
+    {
+        started.mWaiter = std::thread( [&started] { started.WaitForEnd(); } );
+    }
+    catch ( const std::system_error& error )
+    {
+        outFault = error.what();
+        return nullptr;
+    }
     return child;
 }
 
@@ -416,9 +441,7 @@ XChildProcess::End XChildProcess::Communicate(
     End end;
     end.mCause = Communication( *mParts, inInput, ioHandler, inLimits, inClock ).Run();
     mParts->mWaiter.join();
-    int status = 0;
-    while ( ::waitpid( mParts->mProcess, &status, 0 ) < 0 and errno == EINTR )
-    {}
+    const int status = mParts->Reap();
     end.mBySignal = WIFSIGNALED( status );
     end.mStatus = end.mBySignal ? WTERMSIG( status ) : WEXITSTATUS( status );
     return end;

@@ -26,7 +26,7 @@ struct Entry
 bool ChangesWhatRuns( std::string_view inName )
 {
     return inName.starts_with( "LD_" ) or inName.starts_with( "DYLD_" ) or inName == "PERL5OPT" or
-        inName == "PERL5LIB" or inName == "PERL5DB";
+        inName == "PERL5LIB" or inName == "PERLLIB" or inName == "PERL5DB";
 }
 
 class Maker
@@ -39,11 +39,11 @@ public:
             return;
         const std::string_view name = inEntry.substr( 0, equals );
         const bool isOwn = name.starts_with( "KVVAR_" ) or name.starts_with( "KVPARAM_" );
-        if ( not ChangesWhatRuns( name ) and not( inDropOwnVariables and isOwn ) )
-        {
-            mPlaces.try_emplace( std::string( name ), mEntries.size() );
+        if ( ChangesWhatRuns( name ) or ( inDropOwnVariables and isOwn ) )
+            return;
+        // Of equal names everybody reads the first; a second would come to light when a variable replaces it.
+        if ( mPlaces.try_emplace( std::string( name ), mEntries.size() ).second )
             mEntries.push_back( { std::string( name ), std::string( inEntry.substr( equals + 1 ) ), {} } );
-        }
     }
 
     void AddVariable( const XTaskVariable& inVariable )

@@ -153,6 +153,19 @@ TEST( SyncNSTask, ACommandOverALimitIsKilledWithItsGroup )
     EXPECT_EQ( log.CountContaining( "it wrote more than 1000000 bytes" ), 1u );
 }
 
+TEST( SyncNSTask, ACommandThatLeftItsGroupIsKilledAllTheSame )
+{
+    if ( not SyncNSTask::dataFromTask( u"perl", { u"-e", u"1" } ) )
+        GTEST_SKIP() << "needs perl";
+    LogCapture log;
+    SyncNSTask::Options options;
+    options.mMaximumOutput = 100000; // it leaves before it writes
+    EXPECT_FALSE( SyncNSTask::dataFromTask( u"perl",
+        { u"-e", u"setpgrp( 0, getpgrp( getppid ) ) or die; $SIG{ PIPE } = 'IGNORE'; print 'x' x 1000 while 1" }, {},
+        options ) );
+    EXPECT_EQ( log.CountContaining( "it wrote more than 100000 bytes" ), 1u );
+}
+
 TEST( SyncNSTask, ADescendantThatKeepsThePipeOpenIsNotWaitedFor )
 {
     const auto output = SyncNSTask::dataFromTask( u"sh", { u"-c", u"sleep 1000 & echo $!" } );
@@ -178,8 +191,8 @@ TEST( SyncNSTask, TheErrorStreamIsMergedOrLoggedIfAsked )
 TEST( TaskEnvironment, WhatMustNotLeakIsDroppedAndTheRestStands )
 {
     const Strings process = { "HOME=/h", "LD_PRELOAD=x", "LD_=y", "OLD_LD_=z", "DYLD_X=1", "KVVAR_A=old",
-        "KVPARAM_A=old", "PERL5OPT=-d", "PERL5LIB=/l", "PERL5DB=d", "PERL5X=stays", "EMPTY=", "nonsense", "=C:=odd",
-        "KVINSTANCE=i" };
+        "KVPARAM_A=old", "PERL5OPT=-d", "PERL5LIB=/l", "PERLLIB=/l", "PERL5DB=d", "PERL5X=stays", "EMPTY=", "nonsense",
+        "=C:=odd", "KVINSTANCE=i" };
     XTaskEnvironment environment;
     EXPECT_EQ( environment.Make( process ),
         ( Strings{ "HOME=/h", "OLD_LD_=z", "PERL5X=stays", "EMPTY=", "=C:=odd", "KVINSTANCE=i" } ) );
@@ -196,7 +209,7 @@ TEST( TaskEnvironment, VariablesAndParametersAreNamedByTheRules )
         { u"nul", Text( u"a\0b", 3 ) } };
     environment.mParameters = { { u"First One", u"1" } };
     environment.mInstance = u"42";
-    EXPECT_EQ( environment.Make( { "PATH=/old", "A=b" } ),
+    EXPECT_EQ( environment.Make( { "PATH=/old", "A=b", "PATH=/older", "A=c" } ),
         ( Strings{ "A=b", "KVVAR_My_Name=é €", "KVVAR_ENV_PATH=/mine", "PATH=/mine", "KVVAR_ENV_=n",
             "KVVAR_ENV_LD_PRELOAD=evil", "KVINSTANCE=42", "KVPARAM_First_One=1" } ) );
     EXPECT_EQ( log.CountContaining( "Conversion failed for: " ), 3u );
