@@ -1,11 +1,16 @@
 #include "App/DescriptorBuffer.h"
 #include "App/Program.h"
+#include "Defines/KVIconRegistry.h"
+#include "Defines/KVPreferences.h"
+#include "Utility/Work/Work.h"
+#include "XCAF/XErrorHandler.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <ostream>
 #include <system_error>
 #include <unistd.h>
@@ -57,11 +62,21 @@ XFileContent ReadStandardInput( std::size_t inLimit )
     }
     return result;
 }
+// Both are read when something is logged, and not before.
+void UseLogAndSettings()
+{
+    if ( const char* const home = std::getenv( "KORVALEN_HOME" ); home and *home )
+        XErrorHandler::SetLogsFolder( std::filesystem::path( home ) / "Logs" );
+    KVPreferences::Start();
+    KVIconRegistryStart();
+}
 } // namespace
 
 int main( int inCount, char** inArguments )
 {
+    XDeclareMainThread();
     HoldStandardDescriptors();
+    UseLogAndSettings();
     // A reader that has gone shows as a failed write, so that files are still finished properly.
     std::signal( SIGPIPE, SIG_IGN );
 
@@ -81,5 +96,6 @@ int main( int inCount, char** inArguments )
             output.Complain(
                 "can't write standard output: " + std::generic_category().message( error ) + "; check where it leads" );
     }
+    XErrorHandler::Quitting();
     return int( status );
 }

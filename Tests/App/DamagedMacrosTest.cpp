@@ -8,6 +8,7 @@
 #include "XCAF/XFileWriting.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace
@@ -21,7 +22,7 @@ bool IsLongRun()
 __SafeCFPropertyList Example( const char* inName )
 {
     const XFileContent file =
-        ReadWholeFile( std::string( KORVALEN_TESTS_FOLDER ) + "/../Examples/" + inName, std::size_t( 1 ) << 20 );
+        ReadWholeFile( std::filesystem::path( KORVALEN_TESTS_FOLDER ) / ".." / "Examples" / inName, std::size_t( 1 ) << 20 );
     return ReadPropertyList( file.mBytes.Span() ).mValue;
 }
 

@@ -427,9 +427,9 @@ std::unique_ptr<XChildProcess> XChildProcess::Start( const Command& inCommand, s
     {
         started.mWaiter = std::thread( [&started] { started.WaitForEnd(); } );
     }
-    catch ( const std::system_error& error )
+    catch ( const std::system_error& failure )
     {
-        outFault = error.what();
+        outFault = failure.what();
         return nullptr;
     }
     return child;
