@@ -1,5 +1,6 @@
 #include "Utility/Text/NSStringRegularExpressions.h"
 
+#include "Utility/Text/StringHelpers.h"
 #include "Utility/Work/Clock.h"
 #include "XCAF/XErrorHandler.h"
 
@@ -7,7 +8,6 @@
 #include <limits>
 #include <mutex>
 #include <unicode/uregex.h>
-#include <unicode/ustring.h>
 #include <unordered_map>
 
 namespace
@@ -325,13 +325,11 @@ private:
         const int digits = unit == u'u' ? 4 : unit == u'U' ? 8 : 0;
         if ( const auto character = digits ? TakeHex( digits ) : std::nullopt )
         {
-            char16_t units[2];
-            std::int32_t length = 0;
-            UErrorCode status = U_ZERO_ERROR;
-            const auto scalar = UChar32( *character );
-            u_strFromUTF32( units, 2, &length, &scalar, 1, &status );
-            for ( std::int32_t i = 0; U_SUCCESS( status ) and i < length; ++i )
-                Literal( units[i] );
+            // Halves of a pair stay as they are, so that two of them make a character.
+            Text units;
+            kvr_appendCharacter( units, *character );
+            for ( const char16_t part : units )
+                Literal( part );
         }
         else
             Literal( unit );
@@ -350,7 +348,6 @@ private:
                 return {};
             value = value * 16 + std::uint32_t( digit );
         }
-        // A half of a pair in digits counts as it stands.
         if ( value > 0x10FFFF )
             return {};
         mAt += std::size_t( inDigits );
@@ -373,13 +370,23 @@ private:
 
     void TakeName()
     {
-        const std::size_t end = mTemplate.find( u'}', mAt );
+        // Only what a name may hold is looked at: many "${" that nothing closes would each search the rest.
+        std::size_t end = mAt + 1;
+        while ( end < mTemplate.size() and IsNameUnit( mTemplate[end] ) )
+            ++end;
+        const bool closed = end < mTemplate.size() and mTemplate[end] == u'}';
         const auto capture =
-            end == TextView::npos ? std::nullopt : mRegex.GetCaptureNamed( mTemplate.substr( mAt + 1, end - mAt - 1 ) );
+            closed ? mRegex.GetCaptureNamed( mTemplate.substr( mAt + 1, end - mAt - 1 ) ) : std::nullopt;
         if ( not capture )
             return Literal( u'$' ); // no capture of that name: it stays as typed
         Capture( *capture );
         mAt = end + 1;
+    }
+
+    static bool IsNameUnit( char16_t inUnit )
+    {
+        return ( inUnit >= u'0' and inUnit <= u'9' ) or ( inUnit >= u'A' and inUnit <= u'Z' ) or
+            ( inUnit >= u'a' and inUnit <= u'z' );
     }
 
     bool IsDigit() const { return mAt < mTemplate.size() and mTemplate[mAt] >= u'0' and mTemplate[mAt] <= u'9'; }

@@ -71,7 +71,9 @@ TEST( RegularExpressions, ReplacingKeepsThePromisesOfTheLayer )
         { u"ab", u"(?<first>a)(?<second>b)", u"${second}${first}${third}", u"ba${third}" },
         { u"ab", u"a", u"\\$1\\\\\\n$0\\", u"$1\\nab" },
         { u"ab", u"a", u"\\u263A\\U0001F600\\uZ", u"\u263A\U0001F600uZb" },
+        { u"ab", u"a", u"\\uD83D\\uDE00", u"\U0001F600b" }, // a pair by its halves
         { u"cost", u"cost", u"5$ or $x", u"5$ or $x" },
+        { u"cost", u"cost", u"${a${b} ${ }${", u"${a${b} ${ }${" },
     };
     for ( const auto& [text, pattern, replacement, result] : kCases )
         EXPECT_EQ( stringByReplacingOccurrencesOfRegex( text, pattern, replacement ), result )
@@ -107,6 +109,18 @@ TEST( RegularExpressions, ValidTemplatesAreReplacedAsICUReplacesThem )
             << UTF8FromText( replacement );
     }
     EXPECT_GT( compared, 5000 );
+}
+
+// Looking for the end of each name would take minutes.
+TEST( RegularExpressions, ATemplateOfManyOpenNamesIsReadInOnePass )
+{
+    Text replacement;
+    for ( int i = 0; i < 500'000; ++i )
+        replacement += u"${";
+    EXPECT_EQ( stringByReplacingOccurrencesOfRegex( u"a", u"(?<n>a)", replacement ), replacement );
+    replacement += u'}';
+    EXPECT_EQ( stringByReplacingOccurrencesOfRegex( u"a", u"(?<n>a)", replacement ), replacement );
+    EXPECT_EQ( stringByReplacingOccurrencesOfRegex( u"a", u"(?<n>a)", replacement + u"${n}" ), replacement + u"a" );
 }
 
 TEST( RegularExpressions, MatchesCapturesAndPieces )
