@@ -4,9 +4,12 @@
 #include "Utility/Text/TextCompare.h"
 #include "Utility/Text/URLFields.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <optional>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -66,6 +69,8 @@ std::optional<Text> HomeFolder( TextView inUser )
     if ( const char* home = std::getenv( "HOME" ); inUser.empty() and home and *home )
         return Text( WithoutTrailingSlashes( TextFromUTF8( home ) ) );
 
+    if ( inUser.find( u'\0' ) != TextView::npos ) // the call below would see another, shorter name
+        return {};
     const std::string user = UTF8FromText( inUser );
     std::vector<char> buffer( 16384 );
     passwd entry{};
@@ -92,11 +97,29 @@ std::optional<Text> WithLinksFollowed( TextView inPath )
     return TextFromUTF8( result.native() );
 }
 
-// The folder above: what lies above a link's target, where the path goes through one.
-Text ParentFolder( const Text& inPath )
+TextView WithoutLastComponent( TextView inPath )
 {
-    const Text followed = WithLinksFollowed( inPath ).value_or( inPath );
-    return stringByDeletingLastPathComponent( followed );
+    const TextView path = WithoutTrailingSlashes( inPath );
+    const std::size_t slash = path.rfind( kSlash );
+    if ( slash == TextView::npos )
+        return {};
+    return WithoutTrailingSlashes( path.substr( 0, std::max<std::size_t>( slash, 1 ) ) );
+}
+
+// A path that is too long for the system names nothing, and costs nothing to ask for.
+bool IsLink( const Text& inPath )
+{
+    struct stat status;
+    return inPath.size() < PATH_MAX and inPath.find( u'\0' ) == Text::npos and
+        ::lstat( UTF8FromText( inPath ).c_str(), &status ) == 0 and S_ISLNK( status.st_mode );
+}
+
+// To the folder above: that of the target, where the folder is a link.
+void GoUp( Text& ioPath )
+{
+    if ( IsLink( ioPath ) )
+        ioPath = WithLinksFollowed( ioPath ).value_or( ioPath );
+    ioPath.resize( WithoutLastComponent( ioPath ).size() );
 }
 } // namespace
 
@@ -112,11 +135,7 @@ Text lastPathComponent( TextView inPath )
 
 Text stringByDeletingLastPathComponent( TextView inPath )
 {
-    const TextView path = WithoutTrailingSlashes( inPath );
-    const std::size_t slash = path.rfind( kSlash );
-    if ( slash == TextView::npos )
-        return {};
-    return Text( WithoutTrailingSlashes( path.substr( 0, std::max<std::size_t>( slash, 1 ) ) ) );
+    return Text( WithoutLastComponent( inPath ) );
 }
 
 Text stringByAppendingPathComponent( TextView inPath, TextView inComponent )
@@ -191,9 +210,14 @@ Text stringByStandardizingPath( TextView inPath )
         if ( component == u"." )
             continue;
         if ( component == u".." and absolute )
-            result = ParentFolder( result );
+            GoUp( result );
         else
-            result = result.empty() ? Text( component ) : stringByAppendingPathComponent( result, component );
+        {
+            // In place: a copy of the path for each component would take the square of the path's length.
+            if ( not result.empty() and not result.ends_with( kSlash ) )
+                result += kSlash;
+            result += component;
+        }
     }
     return result.empty() and not path.empty() ? Text( u"." ) : result;
 }

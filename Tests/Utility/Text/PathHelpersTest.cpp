@@ -127,6 +127,8 @@ TEST_F( PathHelpersOnDisk, TildesAreExpandedAndAbbreviated )
     EXPECT_EQ( stringByExpandingTildeInPath( u"~no-such-user-here/a" ), u"~no-such-user-here/a" );
     EXPECT_EQ( stringByExpandingTildeInPath( u"~root/a" ), u"/root/a" );
     EXPECT_EQ( stringByExpandingTildeInPath( u"a/~" ), u"a/~" );
+    const Text cut = Text( u"~root" ) + u'\0' + u"x/a"; // another name than what stands before the NUL
+    EXPECT_EQ( stringByExpandingTildeInPath( cut ), cut );
     EXPECT_EQ( stringByAbbreviatingWithTildeInPath( home + u"/a" ), u"~/a" );
     EXPECT_EQ( stringByAbbreviatingWithTildeInPath( home ), u"~" );
     EXPECT_EQ( stringByAbbreviatingWithTildeInPath( home + u"2/a" ), home + u"2/a" );
@@ -145,6 +147,18 @@ TEST_F( PathHelpersOnDisk, LinksAreFollowedAndPathsMadeStandard )
     EXPECT_EQ( stringByStandardizingPath( u"a/./../b//c/" ), u"a/../b/c" );
     EXPECT_EQ( stringByStandardizingPath( u"" ), u"" );
     EXPECT_EQ( stringByStandardizingPath( u"./" ), u"." );
+}
+
+TEST_F( PathHelpersOnDisk, ALongPathIsMadeStandardInOnePass )
+{
+    Text down, up;
+    for ( int i = 0; i < 100'000; ++i )
+    {
+        down += u"/d";
+        up += u"/..";
+    }
+    EXPECT_EQ( stringByStandardizingPath( down + u"/./x/" ), down + u"/x" );
+    EXPECT_EQ( stringByStandardizingPath( down + up + u"/x" ), u"/x" );
 }
 
 TEST_F( PathHelpersOnDisk, FactsOfFiles )
