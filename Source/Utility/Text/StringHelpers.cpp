@@ -6,6 +6,7 @@
 #include <memory>
 #include <unicode/brkiter.h>
 #include <unicode/ustring.h>
+#include <vector>
 
 namespace
 {
@@ -113,12 +114,43 @@ Text stringByRemovingSuffix( TextView inText, TextView inSuffix )
     return Text( inText.ends_with( inSuffix ) ? inText.substr( 0, inText.size() - inSuffix.size() ) : inText );
 }
 
+// The method of Knuth, Morris and Pratt. The library's search compares the part anew at each place, which for
+// repetitive texts is a product of two lengths.
+bool kvr_containsString( TextView inText, TextView inPart )
+{
+    constexpr std::size_t kShort = 32;
+    if ( inPart.size() <= kShort or inPart.size() > inText.size() )
+        return inText.find( inPart ) != TextView::npos;
+
+    // For each end in the part: how much of the part's beginning stands right before it too.
+    std::vector<std::size_t> repeats( inPart.size(), 0 );
+    std::size_t matched = 0;
+    for ( std::size_t i = 1; i < inPart.size(); ++i )
+    {
+        while ( matched > 0 and inPart[i] != inPart[matched] )
+            matched = repeats[matched - 1];
+        matched += inPart[i] == inPart[matched];
+        repeats[i] = matched;
+    }
+    matched = 0;
+    for ( const char16_t unit : inText )
+    {
+        while ( matched > 0 and unit != inPart[matched] )
+            matched = repeats[matched - 1];
+        matched += unit == inPart[matched];
+        if ( matched == inPart.size() )
+            return true;
+    }
+    return false;
+}
+
 Text stringByRepeating( TextView inText, std::int64_t inCount )
 {
     Text result;
     if ( inText.empty() or inCount < 1 )
         return result;
-    const auto count = std::size_t( std::min( std::uint64_t( inCount ), kMaxRepeatedLength / inText.size() ) );
+    const auto count =
+        std::size_t( std::min<std::uint64_t>( std::uint64_t( inCount ), kMaxRepeatedLength / inText.size() ) );
     result.reserve( count * inText.size() );
     for ( std::size_t i = 0; i < count; ++i )
         result += inText;
@@ -176,12 +208,16 @@ Text kvr_stringByReversingCharacters( TextView inText )
         return Text( inText );
     const icu::UnicodeString text( false, inText.data(), std::int32_t( inText.size() ) ); // an alias, no copy
     characters->setText( text );
-    Text result;
-    result.reserve( inText.size() );
-    std::int32_t end = characters->last();
-    for ( std::int32_t start = characters->previous(); start != icu::BreakIterator::DONE;
-          end = start, start = characters->previous() )
-        result += inText.substr( std::size_t( start ), std::size_t( end - start ) );
+    // Forwards, and filled from the end: going back, the iterator looks at a run of flags from its start again and
+    // again, so that a long one takes the square of its length.
+    Text result( inText.size(), u'\0' );
+    std::size_t start = 0;
+    for ( std::int32_t next = characters->next(); next != icu::BreakIterator::DONE; next = characters->next() )
+    {
+        const auto end = std::size_t( next );
+        inText.copy( result.data() + ( result.size() - end ), end - start, start );
+        start = end;
+    }
     return result;
 }
 
@@ -282,5 +318,5 @@ bool equalToStringIgnoringDotDotDot( TextView inText, TextView inOther )
 
 bool containsStringIgnoringDotDotDot( TextView inText, TextView inPart )
 {
-    return WithoutEllipses( inText ).find( WithoutEllipses( inPart ) ) != Text::npos;
+    return kvr_containsString( WithoutEllipses( inText ), WithoutEllipses( inPart ) );
 }

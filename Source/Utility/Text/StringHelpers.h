@@ -18,6 +18,9 @@ void kvr_appendCharacter( Text& ioText, char32_t inCharacter );
 [[nodiscard]] Text stringByRemovingPrefix( TextView inText, TextView inPrefix );
 [[nodiscard]] Text stringByRemovingSuffix( TextView inText, TextView inSuffix );
 
+/// Does the part stand in the text? Compared exactly, and linear whatever the two hold.
+[[nodiscard]] bool kvr_containsString( TextView inText, TextView inPart );
+
 /// The text that many times over; none for a count below 1. The result is kept below 64 Mi units: further
 /// repeats are left out.
 [[nodiscard]] Text stringByRepeating( TextView inText, std::int64_t inCount );

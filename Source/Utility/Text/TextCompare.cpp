@@ -1,5 +1,6 @@
 #include "Utility/Text/TextCompare.h"
 
+#include "Utility/Text/StringHelpers.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <algorithm>
@@ -179,7 +180,7 @@ bool kvr_caseInsensitiveIsEqualToString( TextView inText, TextView inOther )
 
 bool kvr_caseInsensitiveContainsString( TextView inText, TextView inPart )
 {
-    return Folded( inText ).find( Folded( inPart ) ) != Text::npos;
+    return kvr_containsString( Folded( inText ), Folded( inPart ) );
 }
 
 bool kvr_caseInsensitiveHasPrefix( TextView inText, TextView inPrefix )

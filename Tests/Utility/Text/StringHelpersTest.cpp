@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <random>
 #include <unicode/regex.h>
 #include <unicode/uchar.h>
 
@@ -72,6 +73,43 @@ TEST( StringHelpers, ReversingKeepsWhatPeopleSeeAsCharacters )
         EXPECT_EQ( kvr_stringByReversingCharacters( text ), result );
         EXPECT_EQ( kvr_stringByReversingCharacters( result ), text );
     }
+}
+
+TEST( StringHelpers, ReversingTakesARunOfFlagsInOnePass )
+{
+    Text text, reversed;
+    for ( int i = 0; i < 100'000; ++i )
+    {
+        text += u"\U0001F1E9\U0001F1EA";
+        reversed += u"\U0001F1E9\U0001F1EA";
+    }
+    EXPECT_EQ( kvr_stringByReversingCharacters( text + u'x' ), u'x' + reversed );
+}
+
+TEST( StringHelpers, APartIsFoundExactlyWhereTheLibraryFindsIt )
+{
+    std::mt19937 random( 67 );
+    int found = 0;
+    for ( int round = 0; round < 20'000; ++round )
+    {
+        // Parts that begin like themselves, with or without one unit that differs.
+        Text text, part;
+        for ( unsigned i = 0, n = random() % 200; i < n; ++i )
+            text += random() % 16 ? u'a' : u'b';
+        if ( const std::size_t start = text.empty() ? 0 : random() % text.size(); random() % 2 )
+            part = text.substr( start, random() % 80 );
+        else
+            part = Text( random() % 60, u'a' ) + u'b' + Text( random() % 20, u'a' );
+        const bool expected = text.find( part ) != Text::npos;
+        found += expected;
+        ASSERT_EQ( kvr_containsString( text, part ), expected )
+            << "seed 67: " << UTF8FromText( part ) << " in " << UTF8FromText( text );
+    }
+    EXPECT_GT( found, 5'000 );
+
+    const Text half( 500'000, u'a' );
+    EXPECT_FALSE( kvr_containsString( half + half, half + u'b' ) );
+    EXPECT_TRUE( kvr_containsString( half + half + u'b', half + u'b' ) );
 }
 
 TEST( StringHelpers, CaseChangesReportTheirNewLength )
