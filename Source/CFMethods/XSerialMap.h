@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 template<class K, class V>
@@ -17,7 +18,7 @@ public:
     XSerialMap& operator=( const XSerialMap& ) = delete;
 
     /// Replaces the value of an equal key, without destroying it.
-    void SetValue( const K& inKey, V inValue ) { mMap[inKey] = inValue; }
+    void SetValue( const K& inKey, V inValue ) { mMap.insert_or_assign( inKey, std::move( inValue ) ); }
     [[nodiscard]] std::size_t GetCount() const { return mMap.size(); }
 
     /// In key order. The block may remove the value that it is given.
@@ -46,18 +47,19 @@ public:
 
     /// Takes the key out; its value isn't destroyed.
     void RemoveValue( const K& inKey ) { mMap.erase( inKey ); }
-    /// Destroys every value first when the map owns them.
+    /// Destroys every value as well when the map owns them.
     void RemoveAllValues()
     {
+        // Out of reach first: a value may take itself out of the map while it is destroyed.
+        const std::map<K, V> values = std::exchange( mMap, {} );
         if constexpr ( std::is_pointer_v<V> )
         {
             if ( mOwnsValues )
             {
-                for ( const auto& [key, value] : mMap )
+                for ( const auto& [key, value] : values )
                     delete value;
             }
         }
-        mMap.clear();
     }
 
 private:
