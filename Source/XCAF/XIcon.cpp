@@ -431,6 +431,11 @@ std::optional<XIconCharacterData> XIcon::GetSavedCharacterData() const
     return data;
 }
 
+std::optional<XIconCharacterData> XIcon::GetSavedDataFromCharacterString( TextView inText )
+{
+    return FromSavedCharacterData( inText ).GetSavedCharacterData();
+}
+
 XIcon XIcon::WithNewTextCharacter( TextView inText ) const
 {
     XAssert( IsCustomShapeIcon() );

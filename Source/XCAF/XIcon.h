@@ -149,6 +149,8 @@ public:
 
     /// Of a custom icon: its parts, with the default where a field is missing or no number. Absent for others.
     [[nodiscard]] std::optional<XIconCharacterData> GetSavedCharacterData() const;
+    /// The same out of such an icon's text in the form of today; absent when the marker isn't "KVEC".
+    [[nodiscard]] static std::optional<XIconCharacterData> GetSavedDataFromCharacterString( TextView inText );
     /// A custom icon from its text in the form of today; undefined when the marker isn't "KVEC".
     [[nodiscard]] static XIcon FromSavedCharacterData( TextView inText );
     /// A custom icon with another character. Another kind of icon is an assertion, and comes back as it is.

@@ -146,6 +146,8 @@ TEST( XIcon, ACustomIconIsTakenApartWithDefaults )
     EXPECT_EQ( odd->mText, u"=" );
     EXPECT_EQ( odd->mNumbers, ( std::array<std::int64_t, 3>{ 12, 0, 4 } ) );
     EXPECT_FALSE( XIcon::FromSavedCharacterData( u"KVED=Square" ).Defined() );
+    EXPECT_FALSE( XIcon::GetSavedDataFromCharacterString( u"KVED=Square" ) );
+    EXPECT_EQ( XIcon::GetSavedDataFromCharacterString( u"KVEC=Rounded==#1" ).value().mText, u"#" );
     EXPECT_FALSE( XIcon::PlainTextIcon().GetSavedCharacterData() );
 }
 

@@ -227,7 +227,6 @@ private:
         case u'i':
             return AppendNarrowedDecimal( inConversion, inNegative, inBits );
         case u'x':
-            return AppendBits( inConversion, Narrowed( inConversion, inNegative, inBits ), 16 );
         case u'X':
             return AppendBits( inConversion, Narrowed( inConversion, inNegative, inBits ), 16 );
         case u'o':

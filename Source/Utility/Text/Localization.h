@@ -8,6 +8,12 @@
 /// The text of a key. A key without a text shows itself, and is logged once under "always".
 [[nodiscard]] const Text& kvr_localized( TextView inKey );
 
+/// The same by the name that text operations have.
+[[nodiscard]] inline const Text& localized( TextView inKey )
+{
+    return kvr_localized( inKey );
+}
+
 /// True when the resource has a text for the key.
 [[nodiscard]] bool kvr_hasLocalized( TextView inKey );
 

@@ -1,6 +1,5 @@
 #include "Utility/Text/XHTMLEntities.h"
 
-#include "Utility/Text/Format.h"
 #include "Utility/Text/StringHelpers.h"
 #include "XCAF/XErrorHandler.h"
 
@@ -384,7 +383,7 @@ void AppendAsReference( Text& ioText, char32_t inCharacter )
     if ( const std::string_view name = XHTMLEntities::GetName( inCharacter ); not name.empty() )
         AppendNamed( ioText, name );
     else
-        ioText += kvr_format( u"&#%u;", std::uint32_t( inCharacter ) );
+        ( ioText += u"&#" ).append( TextFromASCII( std::to_string( std::uint32_t( inCharacter ) ) ) ) += u';';
 }
 
 // True at a line end, behind which the index then stands.
