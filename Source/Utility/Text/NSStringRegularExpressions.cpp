@@ -342,9 +342,8 @@ private:
         std::uint32_t value = 0;
         for ( int i = 0; i < inDigits; ++i )
         {
-            const char16_t unit = mTemplate[mAt + std::size_t( i )];
-            const std::size_t digit = TextView( u"0123456789abcdef" ).find( char16_t( unit | 0x20 ) );
-            if ( digit == TextView::npos or ( unit < u'0' ) )
+            const int digit = kvr_hexValue( mTemplate[mAt + std::size_t( i )] );
+            if ( digit < 0 )
                 return {};
             value = value * 16 + std::uint32_t( digit );
         }

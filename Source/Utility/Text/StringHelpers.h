@@ -14,6 +14,16 @@
 /// Appends a character of any plane. What isn't a character (beyond U+10FFFF) becomes U+FFFD.
 void kvr_appendCharacter( Text& ioText, char32_t inCharacter );
 
+/// The value of a hexadecimal digit in either case; -1 for another unit.
+[[nodiscard]] constexpr int kvr_hexValue( char16_t inUnit )
+{
+    if ( inUnit >= u'0' and inUnit <= u'9' )
+        return inUnit - u'0';
+    if ( inUnit >= u'A' and inUnit <= u'F' )
+        return inUnit - u'A' + 10;
+    return inUnit >= u'a' and inUnit <= u'f' ? inUnit - u'a' + 10 : -1;
+}
+
 /// The text without the prefix or suffix, compared exactly; unchanged if it isn't there.
 [[nodiscard]] Text stringByRemovingPrefix( TextView inText, TextView inPrefix );
 [[nodiscard]] Text stringByRemovingSuffix( TextView inText, TextView inSuffix );

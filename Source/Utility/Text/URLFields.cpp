@@ -1,5 +1,7 @@
 #include "Utility/Text/URLFields.h"
 
+#include "Utility/Text/StringHelpers.h"
+
 namespace
 {
 constexpr std::string_view kUnreserved = "-._~";
@@ -8,17 +10,6 @@ bool IsLetterOrDigit( unsigned char inByte )
 {
     return ( inByte >= '0' and inByte <= '9' ) or ( inByte >= 'A' and inByte <= 'Z' ) or
         ( inByte >= 'a' and inByte <= 'z' );
-}
-
-int HexValue( char16_t inUnit )
-{
-    if ( inUnit >= u'0' and inUnit <= u'9' )
-        return inUnit - u'0';
-    if ( inUnit >= u'A' and inUnit <= u'F' )
-        return inUnit - u'A' + 10;
-    if ( inUnit >= u'a' and inUnit <= u'f' )
-        return inUnit - u'a' + 10;
-    return -1;
 }
 
 struct Decoding
@@ -40,10 +31,10 @@ Decoding Decode( TextView inText, bool inPlusIsBlank )
     for ( std::size_t i = 0; i < inText.size(); ++i )
     {
         const char16_t unit = inText[i];
-        if ( unit == u'%' and i + 2 < inText.size() and HexValue( inText[i + 1] ) >= 0 and
-            HexValue( inText[i + 2] ) >= 0 )
+        if ( unit == u'%' and i + 2 < inText.size() and kvr_hexValue( inText[i + 1] ) >= 0 and
+            kvr_hexValue( inText[i + 2] ) >= 0 )
         {
-            bytes += char( HexValue( inText[i + 1] ) * 16 + HexValue( inText[i + 2] ) );
+            bytes += char( kvr_hexValue( inText[i + 1] ) * 16 + kvr_hexValue( inText[i + 2] ) );
             i += 2;
             continue;
         }

@@ -331,21 +331,13 @@ constexpr bool IsLetter( char16_t inUnit )
     return ( inUnit >= u'a' and inUnit <= u'z' ) or ( inUnit >= u'A' and inUnit <= u'Z' );
 }
 
-constexpr int HexValue( char16_t inUnit )
-{
-    if ( IsDigit( inUnit ) )
-        return inUnit - u'0';
-    const int letter = ( inUnit | 0x20 ) - u'a';
-    return IsLetter( inUnit ) and letter < 6 ? letter + 10 : -1;
-}
-
 // A character reference is at most U+10FFFF; a longer number stops growing beyond that.
 std::optional<char32_t> NumberedCharacter( TextView inDigits, int inBase )
 {
     char32_t number = 0;
     for ( const char16_t digit : inDigits )
     {
-        const int value = HexValue( digit );
+        const int value = kvr_hexValue( digit );
         if ( value < 0 or value >= inBase )
             return {};
         number = std::min<char32_t>( number * char32_t( inBase ) + char32_t( value ), 0x110000 );
