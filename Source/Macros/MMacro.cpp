@@ -160,8 +160,7 @@ void MMacro::LoadFromPropertyList( const __SafeCFPropertyList& inValue )
     XThrowIfNot( actions );
     mActions->LoadActionsFromPropertyList( __SafeCFPropertyList( actions ) );
 
-    mModificationTime = 0;
-    (void)dictionary->Get( CFSTR( "ModificationDate" ), mModificationTime );
+    mModificationTime = ReadTime( *dictionary, CFSTR( "ModificationDate" ) );
 }
 
 void MMacro::LoadTriggers( const XPlistArray& inTriggers )

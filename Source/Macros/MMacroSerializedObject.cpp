@@ -12,6 +12,7 @@
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
 
+#include <cmath>
 #include <unordered_map>
 
 namespace
@@ -212,6 +213,17 @@ void MMacroSerializedObject::LoadUID( const XPlistDictionary& inDictionary )
         observer->DidReadUID( inDictionary, uid, mUID );
 }
 
+// A float that is no number compares with nothing, so sorting by it would have no order to follow.
+XAbsoluteTime MMacroSerializedObject::ReadTime( const XPlistDictionary& inDictionary, const XKey& inKey )
+{
+    XAbsoluteTime time = 0;
+    if ( not inDictionary.Get( inKey, time ) or not std::isnan( time ) )
+        return time;
+    if ( MLoadObserver* const observer = MLoadObserver::Current() )
+        observer->DidRepair( inDictionary, inKey, u"a time that is no number" );
+    return 0;
+}
+
 void MMacroSerializedObject::LoadBaseFromDictionary( const XPlistDictionary* dictionary )
 {
     XAssert( MMacroInsertion::CurrentlyInserting() );
@@ -219,8 +231,7 @@ void MMacroSerializedObject::LoadBaseFromDictionary( const XPlistDictionary* dic
     XAssertText( not mUID.IsNull(), "mUID" );
     LoadUID( *dictionary );
 
-    mCreationTime = 0;
-    (void)dictionary->Get( CFSTR( "CreationDate" ), mCreationTime );
+    mCreationTime = ReadTime( *dictionary, CFSTR( "CreationDate" ) );
     mIsActive = true;
     (void)dictionary->Get( CFSTR( "IsActive" ), mIsActive );
 

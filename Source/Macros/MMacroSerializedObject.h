@@ -97,6 +97,8 @@ protected:
     /// Reads the base's keys; the subclass has set the name before, for the log lines.
     void LoadBaseFromDictionary( const XPlistDictionary* inDictionary );
     void SaveBaseToDictionary( XMutableDictionary& ioDictionary ) const;
+    /// The time under a key; 0, which counts as not set, when it is missing or no number.
+    [[nodiscard]] static XAbsoluteTime ReadTime( const XPlistDictionary& inDictionary, const XKey& inKey );
     /// Without line breaks.
     [[nodiscard]] static XText CleanedName( const XText& inName );
     /// The part of every Clone. The target keeps the UID that it was made with.

@@ -1,0 +1,200 @@
+#include "Macros/MLoadCheck.h"
+
+#include "Tests/Macros/MacroFixtures.h"
+
+#include <set>
+#include <variant>
+
+namespace
+{
+using Rule = MFinding::Rule;
+
+// A file that a save leaves as it is.
+__SafeCFPropertyList GoodFile()
+{
+    MMacroDomain domain;
+    domain.LoadFromPropertyList( FileWith(
+        { GroupWith( u"G",
+              { MacroWith( u"M",
+                  { { "Name", Str( u"Mac" ) }, { "Triggers", Array( { Trigger( u"Wake" ) } ) },
+                      { "Actions",
+                          Array(
+                              { ExecuteMacro( u"M" ), ActionDict( u"Pause", { { "Time", Str( u"1" ) } } ) } ) } } ) },
+              { { "Name", Str( u"Group" ) }, { "ToggleMacroUID", Str( u"T" ) } } ),
+            SmartGroupWith( u"S", { Str( u"x" ) }, { { "Name", Str( u"Smart" ) } } ) },
+        { { "MacroPreferencesVersion", Int( 91 ) } } ) );
+    return domain.GetPropertyList();
+}
+
+using Path = std::vector<std::variant<const char*, std::size_t>>;
+
+// The value with what stands at a path replaced; null takes it out.
+__SafeCFPropertyList Changed(
+    const __SafeCFPropertyList& inValue, const Path& inPath, const __SafeCFPropertyList& inNew, std::size_t inStep = 0 )
+{
+    if ( inStep == inPath.size() )
+        return inNew;
+    if ( const auto* const key = std::get_if<const char*>( &inPath[inStep] ) )
+        return With( inValue, *key, Changed( At( inValue, *key ), inPath, inNew, inStep + 1 ) );
+    XMutableArray array;
+    for ( std::size_t i = 0; i < inValue.AsArray()->GetCount(); ++i )
+    {
+        const auto element = inValue.AsArray()->GetValueAt( i );
+        array.Append(
+            i == std::get<std::size_t>( inPath[inStep] ) ? Changed( element, inPath, inNew, inStep + 1 ) : element );
+    }
+    return array.Seal();
+}
+
+std::string Described( const MFinding& inFinding )
+{
+    return std::string( NameOf( inFinding.mRule ) ) + ( inFinding.mIsLoss ? "!" : "" ) + " [" +
+        UTF8FromText( inFinding.mPath ) + "] " + UTF8FromText( inFinding.mKey );
+}
+
+std::vector<std::string> DescribedFindings( const __SafeCFPropertyList& inFile )
+{
+    std::vector<std::string> result;
+    for ( const MFinding& finding : CheckFile( inFile ).mFindings )
+        result.push_back( Described( finding ) );
+    return result;
+}
+} // namespace
+
+using LoadCheck = MacroWorld;
+
+TEST_F( LoadCheck, AGoodFileHasNoFindingsAndItsContentsAreCounted )
+{
+    const auto check = CheckFile( GoodFile() );
+    EXPECT_TRUE( check.mFindings.empty() );
+    EXPECT_FALSE( check.LosesSomething() );
+    EXPECT_EQ( check.mContents.mGroups, 1u );
+    EXPECT_EQ( check.mContents.mSmartGroups, 1u );
+    EXPECT_EQ( check.mContents.mMacros, 1u );
+    EXPECT_EQ( check.mContents.mTriggersByKind, ( std::map<std::string, std::size_t>{ { "Wake", 1 } } ) );
+    EXPECT_EQ( check.mContents.mActionsByType,
+        ( std::map<std::string, std::size_t>{ { "ExecuteMacro", 1 }, { "Pause", 1 } } ) );
+}
+
+TEST_F( LoadCheck, EachRuleIsToldWithItsPlace )
+{
+    // The smart group is the file's entry 0, the group its entry 1.
+    const Path group = { "MacroGroups", 1u }, smart = { "MacroGroups", 0u };
+    const auto in = []( Path inPath, std::initializer_list<std::variant<const char*, std::size_t>> inMore ) {
+        inPath.insert( inPath.end(), inMore.begin(), inMore.end() );
+        return inPath;
+    };
+    const Path macro = in( group, { "Macros", 0u } );
+    const struct
+    {
+        Path mPath;
+        __SafeCFPropertyList mNew;
+        std::vector<std::string> mFindings;
+    } kCases[] = {
+        { smart, Int( 1 ), { "dropped! [group 1] " } },
+        { in( smart, { "SearchStrings" } ), nullptr, { "dropped! [Smart] " } },
+        { in( macro, { "Triggers" } ), nullptr, { "dropped! [Group › Mac] " } },
+        { in( macro, { "Triggers", 0u } ), Trigger( u"Nonsense" ), { "dropped! [Group › Mac › trigger 1] " } },
+        { in( macro, { "Actions", 0u } ), ActionDict( u"Nonsense" ), { "dropped! [Group › Mac › action 1] " } },
+        { in( macro, { "Actions", 0u, "MacroUID" } ), nullptr, { "dropped! [Group › Mac › action 1] " } },
+        { in( smart, { "SearchStrings", 0u } ), Int( 1 ), { "dropped! [Smart › SearchStrings 1] " } },
+        { { "Strange" }, Int( 1 ), { "unread-key! [] Strange" } },
+        { in( group, { "Strange" } ), Int( 1 ), { "unread-key! [Group] Strange" } },
+        { in( macro, { "Actions", 0u, "Strange" } ), Int( 1 ), { "unread-key! [Group › Mac › action 1] Strange" } },
+        { in( macro, { "Actions", 0u, "StopOnFailure" } ), Bool( true ),
+            { "setting-lost! [Group › Mac › action 1] StopOnFailure" } },
+        { in( group, { "Activate" } ), Str( u"Sometimes" ), { "repaired! [Group] Activate" } },
+        { in( group, { "ToggleMacroUID" } ), Str( u"" ), { "repaired! [Group] ToggleMacroUID" } },
+        { in( group, { "Targeting", "Targeting" } ), Str( u"Everywhere" ),
+            { "repaired! [Group › Targeting] Targeting" } },
+        { { "MacroPreferencesVersion" }, Int( 1ll << 33 ), { "repaired! [] MacroPreferencesVersion" } },
+        { in( macro, { "CreationDate" } ), Str( u"x" ), { "wrong-type! [Group › Mac] CreationDate" } },
+        { in( macro, { "Name" } ), Int( 1 ), { "wrong-type! [Group › macro 1] Name" } },
+        { in( macro, { "CreationDate" } ), Int( 100 ), { "changed [Group › Mac] CreationDate" } },
+        { in( macro, { "CreationDate" } ), Real( std::numeric_limits<double>::quiet_NaN() ),
+            { "repaired! [Group › Mac] CreationDate" } },
+        { in( macro, { "Name" } ), Str( u"M\nac" ), { "changed! [Group › M\nac] Name" } },
+        { in( macro, { "Triggers", 0u } ), Trigger( u"MenuBar" ),
+            { "upgraded [Group › Mac › trigger 1] MacroTriggerType" } },
+        { in( smart, { "Name" } ), Str( u"All Macros" ), { "upgraded! [All Macros] SearchStrings" } },
+        { in( group, { "KeyCode" } ), nullptr, { "defaulted [Group] KeyCode" } },
+        { { "MacroDefaultsVersion" }, nullptr, { "defaulted [] MacroDefaultsVersion" } },
+        { in( group, { "IsActive" } ), Bool( true ), { "left-out [Group] IsActive" } },
+        { in( group, { "DisplayToggle" } ), Bool( true ), { "left-out [Group] DisplayToggle" } },
+        { in( macro, { "UID" } ), nullptr, { "uid-replaced [Group › Mac] UID" } },
+        { in( macro, { "UID" } ), Str( u"G" ), { "uid-replaced! [Group › Mac] UID" } },
+        { in( group, { "UID" } ), Str( u"S" ), { "uid-replaced! [Group] UID" } },
+        { { "PreferenceSavedDate" }, Str( u"2001_01_01" ), {} }, // every save writes it anew
+    };
+    const auto good = GoodFile();
+    std::set<Rule> seen;
+    for ( const auto& [path, changed, findings] : kCases )
+    {
+        const auto file = Changed( good, path, changed );
+        EXPECT_EQ( DescribedFindings( file ), findings );
+        for ( const MFinding& finding : CheckFile( file ).mFindings )
+        {
+            seen.insert( finding.mRule );
+            EXPECT_FALSE( finding.mText.empty() ) << Described( finding );
+        }
+    }
+    EXPECT_EQ( seen.size(), std::size_t( Rule::kChanged ) + 1 ) << "a rule has no case";
+}
+
+TEST_F( LoadCheck, TheKindOfAFileIsToldByItsContent )
+{
+    const auto group = GroupWith( u"G", {} ), action = ExecuteMacro( u"M" );
+    const struct
+    {
+        __SafeCFPropertyList mFile;
+        std::optional<MFileKind> mKind;
+    } kCases[] = {
+        { FileWith( {} ), MFileKind::kMacrosFile },
+        { Array( { group } ), MFileKind::kMacrosExport },
+        { Array( { SmartGroupWith( u"S", {} ) } ), MFileKind::kMacrosExport },
+        { Array( { Int( 1 ), action } ), MFileKind::kActionsExport },
+        { action, MFileKind::kActionsExport },
+        { Dict( { { "Items", Array( {} ) } } ), MFileKind::kLibrary },
+        { Dict( { { "Items", Int( 1 ) } } ), {} },
+        { Array( {} ), {} },
+        { Str( u"x" ), {} },
+        { nullptr, {} },
+    };
+    for ( const auto& [file, kind] : kCases )
+    {
+        EXPECT_EQ( FileKindOf( file ), kind ) << Shown( file );
+        if ( kind )
+        {
+            EXPECT_EQ( CheckFile( file ).mKind, *kind );
+            continue;
+        }
+        EXPECT_THROW( CheckFile( file ), XException );
+    }
+}
+
+TEST_F( LoadCheck, ExportsAndLibrariesAreCheckedLikeAFile )
+{
+    const auto group = At( GoodFile(), "MacroGroups" ).AsArray()->GetValueAt( 1 );
+    EXPECT_THAT( DescribedFindings( Array( { group } ) ), testing::IsEmpty() );
+    EXPECT_THAT( DescribedFindings( Array( { With( group, "Strange", Int( 1 ) ) } ) ),
+        testing::ElementsAre( "unread-key! [Group] Strange" ) );
+    EXPECT_THAT( DescribedFindings( Dict( { { "Items", Array( { group, Int( 1 ) } ) }, { "Strange", Int( 1 ) } } ) ),
+        testing::ElementsAre( "unread-key! [] Strange", "dropped! [group 2] " ) );
+    EXPECT_THAT(
+        DescribedFindings( Array( { ExecuteMacro( u"M" ), Int( 1 ) } ) ), testing::Contains( "dropped! [action 2] " ) );
+}
+
+TEST_F( LoadCheck, TwoElementsThatAreOneValueAreToldApart )
+{
+    const auto good = GoodFile();
+    const auto group = At( good, "MacroGroups" ).AsArray()->GetValueAt( 1 );
+    EXPECT_THAT( DescribedFindings( With( good, "MacroGroups", Array( { group, group } ) ) ),
+        testing::UnorderedElementsAre(
+            "uid-replaced! [Group] UID", "repaired! [Group] ToggleMacroUID", "uid-replaced! [Group › Mac] UID" ) );
+}
+
+TEST_F( LoadCheck, ItNeedsTheOnlyDomain )
+{
+    const MMacroDomain domain;
+    EXPECT_THROW( CheckFile( FileWith( {} ) ), XException );
+}
