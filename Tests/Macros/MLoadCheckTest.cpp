@@ -116,7 +116,7 @@ TEST_F( LoadCheck, EachRuleIsToldWithItsPlace )
         { in( macro, { "Name" } ), Str( u"M\nac" ), { "changed! [Group › M\nac] Name" } },
         { in( macro, { "Triggers", 0u } ), Trigger( u"MenuBar" ),
             { "upgraded [Group › Mac › trigger 1] MacroTriggerType" } },
-        { in( smart, { "Name" } ), Str( u"All Macros" ), { "upgraded! [All Macros] SearchStrings" } },
+        { in( smart, { "Name" } ), Str( u"All Macros" ), { "upgraded [All Macros] SearchStrings" } },
         { in( group, { "KeyCode" } ), nullptr, { "defaulted [Group] KeyCode" } },
         { { "MacroDefaultsVersion" }, nullptr, { "defaulted [] MacroDefaultsVersion" } },
         { in( group, { "IsActive" } ), Bool( true ), { "left-out [Group] IsActive" } },
@@ -139,6 +139,34 @@ TEST_F( LoadCheck, EachRuleIsToldWithItsPlace )
         }
     }
     EXPECT_EQ( seen.size(), std::size_t( Rule::kChanged ) + 1 ) << "a rule has no case";
+}
+
+TEST_F( LoadCheck, ReasonsAreWordsForPeople )
+{
+    const auto good = GoodFile();
+    const struct
+    {
+        Path mPath;
+        __SafeCFPropertyList mNew;
+        const char16_t* mText;
+    } kCases[] = {
+        { { "MacroGroups", 1u }, Int( 1 ), u"it is no dictionary but a number" },
+        { { "MacroGroups", 1u }, Dict( {} ), u"its key “SearchStrings” is missing or of the wrong type" },
+        { { "MacroGroups", 1u, "Macros", 0u, "Triggers" }, nullptr,
+            u"its key “Triggers” is missing or of the wrong type" },
+        { { "MacroGroups", 1u, "Macros", 0u, "Actions" }, nullptr, u"its key “Actions” is missing or no array" },
+        { { "MacroGroups", 1u, "Macros", 0u, "Triggers", 0u }, Trigger( u"Odd" ),
+            u"no kind of trigger is called “Odd”" },
+        { { "MacroGroups", 1u, "Macros", 0u, "Actions", 0u }, ActionDict( u"Odd" ), u"no action type is called “Odd”" },
+        { { "MacroGroups", 1u, "Macros", 0u, "Actions", 0u, "MacroUID" }, nullptr,
+            u"its key “MacroUID” is missing or of the wrong type" },
+    };
+    for ( const auto& [path, changed, text] : kCases )
+    {
+        const auto findings = CheckFile( Changed( good, path, changed ) ).mFindings;
+        ASSERT_EQ( findings.size(), 1u );
+        EXPECT_EQ( findings[0].mText, text );
+    }
 }
 
 TEST_F( LoadCheck, TheKindOfAFileIsToldByItsContent )

@@ -159,10 +159,10 @@ TEST_F( Macro, AMacroHasOneOwnerAtATime )
 
 TEST_F( Macro, ACloneIsTheSameMacroUnderAnotherUID )
 {
-    const auto source = MacroWith( u"M",
+    const auto macro = LoadedMacro( MacroWith( u"M",
         { { "Name", Str( u"N" ) }, { "IsActive", Bool( false ) }, { "CustomIconData", Str( u"KVEC" ) },
-            { "Triggers", Array( { Trigger( u"Wake" ) } ) }, { "Actions", Array( { ExecuteMacro( u"x" ) } ) } } );
-    const auto macro = LoadedMacro( source );
+            { "Triggers", Array( { Trigger( u"Wake" ) } ) }, { "Actions", Array( { ExecuteMacro( u"x" ) } ) } } ) );
+    const auto source = macro->CopyToPropertyList();
     mClock.Advance( 5 );
 
     const auto shown = macro->Clone( CloneFor::kDisplayOnlyReference );

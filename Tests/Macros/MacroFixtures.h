@@ -82,6 +82,21 @@ inline __SafeCFPropertyList ExecuteMacro( TextView inUID )
     return ActionDict( u"ExecuteMacro", { { "MacroUID", Str( inUID ) } } );
 }
 
+inline Text TextAt( const __SafeCFPropertyList& inDictionary, std::string_view inKey )
+{
+    const __SafeCFPropertyList value = At( inDictionary, inKey );
+    return value.AsString() ? value.AsString()->GetText() : Text();
+}
+
+/// What the actions of a saved macro refer to.
+inline std::vector<Text> ReferencesOf( const __SafeCFPropertyList& inMacro )
+{
+    std::vector<Text> references;
+    for ( const XPlistNode* const action : At( inMacro, "Actions" ).AsArray()->Nodes() )
+        references.push_back( TextAt( __SafeCFPropertyList( action ), "MacroUID" ) );
+    return references;
+}
+
 /// What every save writes anew is taken out.
 inline __SafeCFPropertyList WithoutStamps( const __SafeCFPropertyList& inFile )
 {
@@ -95,12 +110,6 @@ inline std::vector<std::string> KeysOf( const __SafeCFPropertyList& inDictionary
     for ( const auto& entry : inDictionary.AsDictionary()->GetEntries() )
         keys.push_back( entry.mKey->GetUTF8() );
     return keys;
-}
-
-inline Text TextAt( const __SafeCFPropertyList& inDictionary, std::string_view inKey )
-{
-    const __SafeCFPropertyList value = At( inDictionary, inKey );
-    return value.AsString() ? value.AsString()->GetText() : Text();
 }
 
 /// An insertion that is ended, without rewriting anything, if the test hasn't ended it.
@@ -127,6 +136,8 @@ protected:
         XErrorHandler::SetPreferenceSource(
             { []( TextView ) { return std::optional<Text>( u"UID MacroInsertion ExportToSpotlightIndex" ); },
                 []( TextView ) { return std::optional<bool>(); } } );
+        (void)XErrorHandler::MaybeShouldLog( "UID" ); // reads the settings, and says so in the log
+        (void)mLog.Take();
     }
     ~MacroWorld() override { XErrorHandler::ResetForTesting(); }
 
