@@ -35,7 +35,7 @@ __SafeCFPropertyList SavedFrom( const __SafeCFPropertyList& inFile )
     return domain.GetPropertyList();
 }
 
-// A group that says the same after a save must not be called changed, and one that doesn't must be.
+// What a save leaves as it is mustn't be called changed.
 void RequireQuietCheck( const __SafeCFPropertyList& inSaved )
 {
     const MFileCheck check = CheckFile( inSaved );

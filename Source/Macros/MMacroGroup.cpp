@@ -463,11 +463,9 @@ void MMacroGroup::LoadToggleMacroAndDisabledMacs( const XPlistDictionary& inDict
     CFContainer<XPlistArray> macs;
     if ( not inDictionary.Get( CFSTR( "DisabledMacs" ), macs ) )
         return;
-    for ( const XPlistNode* const node : macs->Nodes() )
+    for ( const XText& mac : TextsOf( *macs ) )
     {
-        const XPlistString* const string = __SafeCFPropertyList( node ).AsString();
-        const XText mac = string ? XText( CFContainer<XPlistString>::Share( string ) ) : XText();
-        if ( not IsEmpty( mac ) and std::ranges::find( mDisabledMacs, mac ) == mDisabledMacs.end() )
+        if ( std::ranges::find( mDisabledMacs, mac ) == mDisabledMacs.end() )
             mDisabledMacs.push_back( mac );
     }
 }

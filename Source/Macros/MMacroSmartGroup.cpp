@@ -5,6 +5,7 @@
 #include "Macros/MMacro.h"
 #include "Macros/MMacroDomain.h"
 #include "Macros/MMacroInsertion.h"
+#include "Macros/StoredNames.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Search/StringSearcher.h"
 #include "Utility/Text/Localization.h"
@@ -82,15 +83,7 @@ void MMacroSmartGroup::LoadFromPropertyList( const __SafeCFPropertyList& inValue
 
     CFContainer<XPlistArray> strings;
     XThrowIfNot( dictionary->Get( CFSTR("SearchStrings"), strings ) );
-    mSearchStrings.clear();
-    for ( std::size_t i = 0; i < strings->GetCount(); ++i )
-    {
-        const __SafeCFPropertyList value = strings->GetValueAt( i );
-        if ( const XPlistString* const string = value.AsString() )
-            mSearchStrings.emplace_back( CFContainer<XPlistString>::Share( string ) );
-        else if ( MLoadObserver* const observer = MLoadObserver::Current() )
-            observer->DidDrop( *strings, i, u"not a string" );
-    }
+    mSearchStrings = TextsOf( *strings );
 
     // Early files searched for everything with a string that no longer does. The name is the English one
     // in every language, since that is what those files hold.

@@ -2,6 +2,8 @@
 
 #include "Macros/MUIDEverSeen.h"
 #include "Macros/XTextHash.h"
+#include "Platform/Alerts.h"
+#include "Platform/Platform.h"
 #include "Utility/Work/Random.h"
 #include "Utility/Work/Work.h"
 #include "XCAF/XErrorHandler.h"
@@ -45,7 +47,7 @@ void MUIDObject::SetUID( const XText& inUID )
     {
         XAssertText( false, "!UIDInUse( inUID )" );
         constexpr char16_t kRefusal[] = u"Refusing to set conflicting UID to avoid conflict";
-        XErrorHandler::PrivateLogMessage( true, kRefusal );
+        Platform::Current().Alerts().SystemLog( kRefusal );
         XErrorHandler::PrivateMaybeLogFormat( "UID", "%@", kRefusal );
     }
     else if ( not IsEmpty( inUID ) )

@@ -1,6 +1,5 @@
 #include "Macros/MacrosAllowed.h"
 
-#include "Macros/MLoadObserver.h"
 #include "Macros/MMacroSerializedObject.h"
 #include "Macros/StoredNames.h"
 #include "Macros/XTextHash.h"
@@ -14,16 +13,8 @@ void MacrosAllowed::LoadFromDictionary(
     mType = GetStoredEnumerator<MacrosAllowedType>( inDictionary, inTypeKey, kMacrosAllowedTypeNames );
     mUIDs.clear();
     CFContainer<XPlistArray> uids;
-    if ( not inDictionary.Get( inUIDsKey, uids ) )
-        return;
-    for ( std::size_t i = 0; i < uids->GetCount(); ++i )
-    {
-        const __SafeCFPropertyList value = uids->GetValueAt( i );
-        if ( const XPlistString* const uid = value.AsString() )
-            mUIDs.emplace_back( CFContainer<XPlistString>::Share( uid ) );
-        else if ( MLoadObserver* const observer = MLoadObserver::Current() )
-            observer->DidDrop( *uids, i, u"not a string" );
-    }
+    if ( inDictionary.Get( inUIDsKey, uids ) )
+        mUIDs = TextsOf( *uids );
 }
 
 void MacrosAllowed::SaveToDictionary(

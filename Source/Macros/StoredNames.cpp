@@ -30,3 +30,17 @@ std::size_t GetStoredName( const XPlistDictionary& inDictionary, const XKey& inK
             name.IsNull() ? Text( u"not a name" ) : kvr_format( u"“%@” is no name that is known here", name ) );
     return inDefault;
 }
+
+std::vector<XText> TextsOf( const XPlistArray& inArray )
+{
+    std::vector<XText> texts;
+    for ( std::size_t i = 0; i < inArray.GetCount(); ++i )
+    {
+        const __SafeCFPropertyList value( inArray.NodeAt( i ) );
+        if ( const XPlistString* const string = value.AsString() )
+            texts.emplace_back( CFContainer<XPlistString>::Share( string ) );
+        else if ( MLoadObserver* const observer = MLoadObserver::Current() )
+            observer->DidDrop( inArray, i, u"not a string" );
+    }
+    return texts;
+}

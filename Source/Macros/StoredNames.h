@@ -1,4 +1,4 @@
-// Reading an enumerator that a file holds by name. Main thread.
+// Reading what files hold as names: enumerators, and lists of texts. Main thread.
 #pragma once
 
 #include "CFMethods/PropertyList.h"
@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 /// The index of the first name that equals the text exactly, or absent.
 [[nodiscard]] std::optional<std::size_t> IndexOfStoredName(
@@ -29,3 +30,6 @@ template<class Enumeration>
 {
     return XPlistString::MakeASCII( inNames[std::size_t( inValue )] );
 }
+
+/// The texts of an array. Anything else in it is left out, which the load observer is told of.
+[[nodiscard]] std::vector<XText> TextsOf( const XPlistArray& inArray );

@@ -74,6 +74,7 @@ TEST_F( MacroGroup, EachKeyIsReadWithItsDefaultAndWrittenByItsRule )
         { "ToggleMacroUID", Str( u"TOGGLE" ), Str( u"TOGGLE" ) },
         { "DisabledMacs", Array( { Str( u"b" ), Int( 1 ), Str( u"a" ), Str( u"b" ) } ),
             Array( { Str( u"b" ), Str( u"a" ) } ) },
+        { "DisabledMacs", Array( { Str( u"" ) } ), Array( { Str( u"" ) } ) },
         { "DisabledMacs", Array( {} ), nullptr },
         { "DisabledMacs", Str( u"a" ), nullptr },
         { "Macros", Array( { Str( u"x" ), Dict( {} ), MacroWith( u"M" ) } ), Array( { MacroWith( u"M" ) } ) },

@@ -1,7 +1,10 @@
 #include "Macros/MUIDEverSeen.h"
 #include "Macros/MUIDObject.h"
+#include "Platform/Platform.h"
+#include "Tests/Fakes/FakeAlerts.h"
 #include "Tests/Macros/MacroFixtures.h"
 
+#include <algorithm>
 #include <regex>
 #include <set>
 
@@ -90,6 +93,10 @@ TEST_F( MacroIdentity, AConflictingSetUIDIsReportedAndTheTableNamesTheNewHolder 
 
 TEST_F( MacroIdentity, ASecondNamespaceRefusesAConflictAndKeepsTheOldUID )
 {
+    FakeAlerts alerts;
+    Platform platform;
+    platform.SetAlerts( alerts );
+    const Platform::Substitute platformInUse( platform );
     MMacroGroup group;
     MUIDObject first, second;
     const XText before = second.GetUID();
@@ -98,7 +105,9 @@ TEST_F( MacroIdentity, ASecondNamespaceRefusesAConflictAndKeepsTheOldUID )
     EXPECT_EQ( mLog.CountAssertions( "!UIDInUse( inUID )" ), 0u );
     second.SetUID( u"Q" );
     EXPECT_EQ( mLog.CountAssertions( "!UIDInUse( inUID )" ), 1u );
-    EXPECT_GE( mLog.CountContaining( "Refusing to set conflicting UID to avoid conflict" ), 1u );
+    constexpr char kRefusal[] = "Refusing to set conflicting UID to avoid conflict";
+    EXPECT_EQ( mLog.CountContaining( kRefusal ), 1u );
+    EXPECT_EQ( std::ranges::count( alerts.mSystemLog, TextFromUTF8( kRefusal ) ), 1 );
     EXPECT_EQ( second.GetUID(), before );
     EXPECT_TRUE( MUIDObject::UIDInUse( before ) );
     second.SetUID( before ); // its own is no conflict
