@@ -213,6 +213,16 @@ TEST_F( Domain, ReferencesFollowAnImport )
                    false, macros, smartGroups ),
         1u );
     EXPECT_THAT( ReferencesOf( macros.at( 0 )->CopyToPropertyList() ), testing::ElementsAre( u"G" ) );
+    // A group whose UID another group here has, and whose name and target those of a third: X is G for what came in.
+    macros.clear();
+    mDomain.InsertMacroGroup( LoadedGroup( Named( u"X", u"Other" ) ) );
+    EXPECT_EQ( mDomain.MergePropertyListFromArray(
+                   Array( { Named(
+                       u"X", u"mine", { MacroWith( u"O", { { "Actions", Array( { ExecuteMacro( u"X" ) } ) } } ) } ) } ),
+                   false, macros, smartGroups ),
+        1u );
+    EXPECT_THAT( ReferencesOf( macros.at( 0 )->CopyToPropertyList() ), testing::ElementsAre( u"G" ) );
+
     // What was there before is nobody's business.
     EXPECT_THAT( ReferencesOf( FoundMacro( u"M" ).CopyToPropertyList() ), testing::ElementsAre( u"M", u"G" ) );
     EXPECT_EQ( mLog.CountContaining( "Assertion Failed" ), 0u );
