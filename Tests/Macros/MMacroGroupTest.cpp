@@ -166,7 +166,7 @@ TEST_F( MacroGroup, TheDefaultGroupIsAvailableAlwaysAndEverywhere )
 TEST_F( MacroGroup, OverridesChangeWhatDiffersAndAskForASaveOnlyThen )
 {
     const auto file = GroupWith( u"G", { MacroWith( u"M" ) } );
-    const auto load = [this]( const __SafeCFPropertyList& inFile,
+    const auto load = []( const __SafeCFPropertyList& inFile,
                           std::initializer_list<std::pair<const char16_t*, bool>> inStates ) {
         KVMacroEnableOverrides overrides;
         for ( const auto& [uid, enabled] : inStates )
