@@ -9,13 +9,13 @@
 #include "Actions/HActionType.h"
 #include "Actions/HFieldVisitor.h"
 
-#include <filesystem>
-#include <functional>
+#include <cstdint>
 #include <memory>
-#include <span>
+#include <optional>
 #include <vector>
 
 class StringSearchee;
+class StringSearcher;
 class XIcon;
 
 /// Whether the steps that a recording added are saved with an action.
@@ -136,6 +136,8 @@ public:
     /// The name of the action's page in the help.
     [[nodiscard]] virtual Text WikiName() const;
     [[nodiscard]] virtual Text WikiURL() const;
+    /// Where the help has the page of a name.
+    [[nodiscard]] static Text WikiURL( TextView inName );
 
     // Icons
 
@@ -148,6 +150,10 @@ public:
 
     virtual void AddMatchStrings( StringSearchee& ioSearchee ) const;
     virtual void AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const;
+    /// Does the action match, with all that it holds? A search for nothing finds everything.
+    [[nodiscard]] bool MatchesTextSearch( StringSearcher& ioSearcher ) const;
+    /// Of what matched, that which matches by its own words: a container isn't one for the sake of what it holds.
+    [[nodiscard]] bool MatchesTextSearchJustContainer( bool inMatches, StringSearcher& ioSearcher ) const;
 
     // The identity of an action for scripts: a number for this run, taken when first asked for.
 

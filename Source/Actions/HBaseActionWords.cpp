@@ -3,6 +3,7 @@
 
 #include "Defines/KVIconRegistry.h"
 #include "Utility/Search/StringSearchee.h"
+#include "Utility/Search/StringSearcher.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Text/URLFields.h"
 #include "XCAF/XErrorHandler.h"
@@ -114,7 +115,12 @@ Text HBaseAction::WikiName() const
 
 Text HBaseAction::WikiURL() const
 {
-    return kvr_localizedFormat( u"kvHelpLinkFormat", TextView( u"action" ), encodeURLField( WikiName() ) );
+    return WikiURL( WikiName() );
+}
+
+Text HBaseAction::WikiURL( TextView inName )
+{
+    return kvr_localizedFormat( u"kvHelpLinkFormat", TextView( u"action" ), encodeURLField( inName ) );
 }
 
 // Icons
@@ -154,4 +160,23 @@ void HBaseAction::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) con
 {
     DoForEverySubActionList(
         [&ioSearchee]( const HActionList::Words&, const HActionList& list ) { list.AddMatchStrings( ioSearchee ); } );
+}
+
+bool HBaseAction::MatchesTextSearch( StringSearcher& ioSearcher ) const
+{
+    if ( ioSearcher.Useless() )
+        return true;
+    StringSearchee searchee;
+    AddMatchStrings( searchee );
+    AddMatchStringsForSubActions( searchee );
+    return ioSearcher.Matches( searchee );
+}
+
+bool HBaseAction::MatchesTextSearchJustContainer( bool inMatches, StringSearcher& ioSearcher ) const
+{
+    if ( not inMatches or not HasSubActions() )
+        return inMatches;
+    StringSearchee searchee;
+    AddMatchStrings( searchee );
+    return ioSearcher.Matches( searchee );
 }

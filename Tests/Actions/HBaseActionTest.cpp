@@ -5,6 +5,8 @@
 #include "Actions/HCaseEntry.h"
 #include "Actions/HDelayPreference.h"
 #include "Actions/HFieldVisitors.h"
+#include "Utility/Search/StringSearchee.h"
+#include "Utility/Search/StringSearcher.h"
 
 namespace
 {
@@ -235,6 +237,62 @@ TEST( HBaseAction, DescriptionsSayWhatTheActionWillDo )
     for ( const auto& [dictionary, description] : kCases )
         EXPECT_EQ( UTF8FromText( HBaseAction::CreateFromPropertyList( dictionary )->GetActionDescriptionString() ),
             description );
+}
+
+// Searching
+
+namespace
+{
+// Finds what has a text with the word in it.
+class WordSearcher final : public StringSearcher
+{
+public:
+    explicit WordSearcher( TextView inWord ) : mWord( inWord ) {}
+    bool Useless() const override { return mWord.empty(); }
+    bool MatchesAll() const override { return false; }
+    bool IsTimeSensitive() const override { return false; }
+    bool Matches( const StringSearchee& inSearchee ) override
+    {
+        return std::ranges::any_of( inSearchee.GetElements(),
+            [this]( const StringSearchee::Element& element ) { return element.mText.find( mWord ) != Text::npos; } );
+    }
+    double NextChange() const override { return 0; }
+
+private:
+    Text mWord;
+};
+} // namespace
+
+TEST( HBaseAction, ASearchFindsAContainerByWhatItHoldsUnlessItsOwnWordsAreAskedFor )
+{
+    const auto inner = ActionDict( u"Pause", { { "ActionName", Str( u"inner" ) } } );
+    const auto pause = HBaseAction::CreateFromPropertyList( inner );
+    const auto group = HBaseAction::CreateFromPropertyList(
+        ActionDict( u"Group", { { "ActionName", Str( u"outer" ) }, { "Actions", Array( { inner } ) } } ) );
+    struct
+    {
+        const HBaseAction& mAction;
+        const char16_t* mWord;
+        bool mMatches, mJustContainer;
+    } const kCases[] = {
+        { *group, u"outer", true, true },
+        { *group, u"inner", true, false },
+        { *group, u"neither", false, false },
+        { *group, u"loop", false, false },
+        { *pause, u"inner", true, true },
+        { *pause, u"Wait", true, true }, // a further word of the type
+        { *pause, u"outer", false, false },
+    };
+    for ( const auto& row : kCases )
+    {
+        WordSearcher searcher( row.mWord );
+        const bool matches = row.mAction.MatchesTextSearch( searcher );
+        EXPECT_EQ( matches, row.mMatches ) << UTF8FromText( row.mWord );
+        EXPECT_EQ( row.mAction.MatchesTextSearchJustContainer( matches, searcher ), row.mJustContainer )
+            << UTF8FromText( row.mWord );
+    }
+    WordSearcher nothing( u"" );
+    EXPECT_TRUE( group->MatchesTextSearch( nothing ) );
 }
 
 // Flow control
