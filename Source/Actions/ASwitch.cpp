@@ -18,7 +18,7 @@ void ASwitch::DescribeFields( HFieldVisitor& inVisitor )
 {
     mSource.DescribeFields( inVisitor );
     inVisitor.Converted( "CaseEntries", *mCaseEntries );
-    if ( mCaseEntries->GetCount() == 0 ) // none of what was read could be understood
+    if ( inVisitor.IsReading() and mCaseEntries->GetCount() == 0 ) // none of them could be understood
         mCaseEntries->AppendEntry( std::make_unique<HCaseEntry>() );
 }
 

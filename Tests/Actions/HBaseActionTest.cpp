@@ -1,5 +1,6 @@
 #include "ActionTestSupport.h"
 
+#include "Actions/ASwitch.h"
 #include "Actions/ActionCreation.h"
 #include "Actions/AppleScriptUIDMap.h"
 #include "Actions/HCaseEntry.h"
@@ -329,6 +330,16 @@ TEST( HBaseAction, CaseEntriesThatCantBeUnderstoodFallOutAndOneAlwaysStands )
         EXPECT_EQ(
             At( Reloaded( ActionDict( u"Switch", { { "CaseEntries", none } } ) ), "CaseEntries" ).AsArray()->GetCount(),
             1u );
+}
+
+TEST( HBaseAction, SavingAndComparingASwitchThatAScriptEmptiedChangeNothing )
+{
+    ASwitch emptied;
+    const auto entries = emptied.AppleScriptGetCaseEntryList();
+    entries->RemoveEntryAtIndex( 0 );
+    EXPECT_EQ( emptied.CompareFields( emptied ), 0 );
+    EXPECT_EQ( At( Saved( emptied ), "CaseEntries" ), Array( {} ) );
+    EXPECT_EQ( entries->GetCount(), 0 );
 }
 
 TEST( HBaseAction, ACaseEntryAlwaysComesOutOfItsXML )
