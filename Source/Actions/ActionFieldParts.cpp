@@ -95,8 +95,8 @@ void ApplicationTarget::DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTy
     inVisitor.Name( inTypeKey, mType );
     if ( olderForm )
         mType = ApplicationTargetingType::kSpecific;
-    if ( mType == ApplicationTargetingType::kSpecific )
-        DescribeApplication( inVisitor, inApplicationKey, mApplication );
+    // Beside the front one as well: who chooses the specific one again finds it there.
+    DescribeApplication( inVisitor, inApplicationKey, mApplication );
 }
 
 void ApplicationTarget::SetSpecific( XApplicationIdentifier inApplication )

@@ -15,8 +15,7 @@ void AOpenURL::DescribeFields( HFieldVisitor& inVisitor )
     // Older files say it by the application alone.
     inVisitor.Boolean(
         "IsDefaultApplication", mIsDefaultApplication, { .mWhenMissing = not inVisitor.HasKey( "Application" ) } );
-    if ( not mIsDefaultApplication )
-        DescribeApplication( inVisitor, "Application", mApplication );
+    DescribeApplication( inVisitor, "Application", mApplication );
     inVisitor.Boolean( "OpenInBackground", mOpenInBackground );
 }
 
@@ -24,7 +23,7 @@ void AOpenURL::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     HBaseAction::AddMatchStrings( ioSearchee );
     ioSearchee.Add( mURL );
-    if ( mApplication )
+    if ( not mIsDefaultApplication and mApplication )
         ioSearchee.AddApp( mApplication->GetDisplayName() );
 }
 

@@ -17,6 +17,6 @@ protected:
 private:
     XText mURL;
     bool mIsDefaultApplication = true;
-    std::optional<XApplicationIdentifier> mApplication; // only when it isn't the default one
+    std::optional<XApplicationIdentifier> mApplication; // kept when the default one is chosen
     bool mOpenInBackground = false;
 };

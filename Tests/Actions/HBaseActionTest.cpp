@@ -204,6 +204,21 @@ TEST( HBaseAction, AnApplicationAloneSaysWhatOlderFilesMeant )
     EXPECT_EQ( At( open, "Application" ), application );
 }
 
+TEST( HBaseAction, AnApplicationThatIsNotInUseIsKeptForWhoChoosesItAgain )
+{
+    const auto application = Dict( { { "Name", Str( u"Editor" ) } } );
+    const auto target = ActionDict( u"InsertText",
+        { { "Text", Str( u"" ) }, { "Action", Str( u"ByTyping" ) }, { "TargetingType", Str( u"Front" ) },
+            { "TargetApplication", application } } );
+    EXPECT_EQ( Reloaded( target ), target );
+    const auto unknown = Reloaded( With( target, "TargetingType", Str( u"Behind" ) ) );
+    EXPECT_EQ( unknown, target );
+    const auto open =
+        ActionDict( u"OpenURL", { { "IsDefaultApplication", Bool( true ) }, { "Application", application } } );
+    EXPECT_EQ( At( Reloaded( open ), "IsDefaultApplication" ), Bool( true ) );
+    EXPECT_EQ( At( Reloaded( open ), "Application" ), application );
+}
+
 TEST( HBaseAction, StyledTextIsKeptByteForByte )
 {
     const std::uint8_t bytes[] = { 0, 255, 7, 0 };
