@@ -1,5 +1,7 @@
 #include "Actions/AStoredAction.h"
 
+#include <algorithm>
+
 namespace
 {
 // What the base reads and writes itself, under its own conditions.

@@ -68,16 +68,6 @@ const Fill& ForFillStriped( Type inType, Striped inStriped, Disabled inDisabled,
 }
 } // namespace
 
-Type FromName( const XText& inName )
-{
-    for ( std::size_t i = 0; i < std::size( kNames ); ++i )
-    {
-        if ( inName.Equals( kNames[i] ) )
-            return Type( i );
-    }
-    return Type::kNone;
-}
-
 Text ToAppleScriptString( Type inType )
 {
     return Lowered( kNames[std::size_t( inType )] );

@@ -1,10 +1,11 @@
 // The colour tags of actions. An action's colour is stored by name, and None by no key at all.
 #pragma once
 
-#include "CFMethods/PropertyList.h"
+#include "CFMethods/Text.h"
 
-#include <array>
+#include <cstdint>
 #include <iterator>
+#include <span>
 
 namespace ActionColor
 {
@@ -28,8 +29,6 @@ constexpr auto NamesOf( Type )
     return std::span( kNames );
 }
 
-/// An exact name, or None.
-[[nodiscard]] Type FromName( const XText& inName );
 /// The lower-cased name.
 [[nodiscard]] Text ToAppleScriptString( Type inType );
 /// Case doesn't matter; no name, and Search, which isn't for scripts, give None.

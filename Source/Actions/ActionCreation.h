@@ -5,6 +5,7 @@
 #include "Actions/HBaseAction.h"
 
 #include <filesystem>
+#include <memory>
 
 class MMacro;
 

@@ -71,8 +71,7 @@ void ActionTextSource::AddMatchStrings( StringSearchee& ioSearchee ) const
 Text ActionTextSource::GetActionDescriptionString() const
 {
     return kvr_localizedFormat(
-        u"kvActionTextSource" + Text( kActionTextSourceTypeNames[std::size_t( mType )] ) + u"Description",
-        TextView( GetValueText().GetText() ) );
+        kvr_format( "kvActionTextSource%@Description", StoredName( mType ) ), TextView( GetValueText().GetText() ) );
 }
 
 void DescribeApplication(

@@ -4,20 +4,12 @@
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
 namespace
 {
-// "hkSemaphore%@Title" and its like: a key whose middle is a stored name.
-Text KeyWith( TextView inBefore, TextView inName, TextView inAfter )
-{
-    Text key( inBefore );
-    key += inName;
-    key += inAfter;
-    return key;
-}
-
 // A plain number, such as a recording writes; a calculation isn't one.
 std::optional<double> PlainNumber( const XText& inText )
 {
@@ -195,8 +187,7 @@ std::vector<Text> ACancel::GetAddActionByNameExtraSearchString() const
 
 Text ACancel::InternalGetActionDescriptionString() const
 {
-    return kvr_localizedFormat(
-        KeyWith( u"Cancel", kCancelActionNames[std::size_t( mAction )], u"Title" ), TextView( mInstance.GetText() ) );
+    return kvr_localizedFormat( kvr_format( "Cancel%@Title", StoredName( mAction ) ), TextView( mInstance.GetText() ) );
 }
 
 void APause::DescribeFields( HFieldVisitor& inVisitor )
@@ -226,7 +217,7 @@ std::vector<Text> APause::GetAddActionByNameExtraSearchString() const
 Text APause::InternalGetActionDescriptionString() const
 {
     const TextView number = mTime.Equals( TextView( u"1" ) ) ? u"Singular" : u"Plural";
-    const Text& unit = kvr_localized( KeyWith( u"PauseUnit", kPauseUnitNames[std::size_t( mUnit )], number ) );
+    const Text& unit = kvr_localized( kvr_format( "PauseUnit%@%@", StoredName( mUnit ), number ) );
     return kvr_localizedFormat( u"hkPauseTitleFormat", TextView( mTime.GetText() ), TextView( unit ) );
 }
 
@@ -239,12 +230,11 @@ void ASemaphore::DescribeFields( HFieldVisitor& inVisitor )
 
 Text ASemaphore::GetActionTitle() const
 {
-    return kvr_localized( KeyWith( u"hkSemaphore", kSemaphoreActionNames[std::size_t( mAction )], u"Title" ) );
+    return kvr_localized( kvr_format( "hkSemaphore%@Title", StoredName( mAction ) ) );
 }
 
 Text ASemaphore::InternalGetActionDescriptionString() const
 {
     return kvr_localizedFormat(
-        KeyWith( u"hkSemaphore", kSemaphoreActionNames[std::size_t( mAction )], u"_DescriptionFormat" ),
-        TextView( mName.GetText() ) );
+        kvr_format( "hkSemaphore%@_DescriptionFormat", StoredName( mAction ) ), TextView( mName.GetText() ) );
 }

@@ -6,9 +6,11 @@
 #include "Actions/MacroActions.h"
 #include "Actions/NotificationActions.h"
 #include "Actions/OpenActions.h"
-
 #include "Actions/TextActions.h"
 #include "XCAF/XErrorHandler.h"
+
+#include <array>
+#include <span>
 
 // To add a type of action: an enumerator, a row here in its place, a class with its fields, a text for its
 // title, and its lines in Tests/Actions/ActionCatalogue.txt.

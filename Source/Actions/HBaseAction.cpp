@@ -6,8 +6,6 @@
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
 
-#include <cmath>
-
 namespace
 {
 // A period that is no more than this isn't one: it stands for the type's default and isn't written.
@@ -113,7 +111,7 @@ CFContainer<XPlistDictionary> HBaseAction::CopyToPropertyList( RecordedDetails i
     SaveTimeOut( dictionary );
     SaveFailure( dictionary );
     if ( mColor != ActionColor::Type::kNone )
-        dictionary.SetText( CFSTR( "ActionColor" ), ActionColor::kNames[std::size_t( mColor )] );
+        dictionary.SetText( CFSTR( "ActionColor" ), StoredName( mColor ) );
     if ( not IsEmpty( mName ) )
         dictionary.SetText( CFSTR( "ActionName" ), mName );
     if ( not IsEmpty( mNotes ) )

@@ -7,6 +7,10 @@
 #include "Actions/SharedText.h"
 #include "Conditions/GenericCondition.h"
 
+#include <memory>
+#include <optional>
+#include <vector>
+
 class HCaseEntry
 {
 public:

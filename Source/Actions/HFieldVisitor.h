@@ -83,6 +83,13 @@ concept HNamed = requires( Enumeration inValue )
         } -> std::convertible_to<std::span<const TextView>>;
 };
 
+/// The stored name of a value.
+template<HNamed Enumeration>
+[[nodiscard]] constexpr TextView StoredName( Enumeration inValue )
+{
+    return NamesOf( inValue )[std::size_t( inValue )];
+}
+
 class HFieldVisitor
 {
 public:

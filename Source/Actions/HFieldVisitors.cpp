@@ -6,6 +6,7 @@
 #include "Utility/Text/Format.h"
 #include "XCAF/XException.h"
 
+#include <algorithm>
 #include <cmath>
 #include <compare>
 
@@ -66,8 +67,8 @@ void HReadingVisitor::NoteWrongType( HFieldKey inKey, const char* inExpected ) c
     const XPlistNode* found = MLoadObserver::Current() ? mDictionary.Find( inKey.Key() ) : nullptr;
     if ( found )
         NoteRepair( inKey,
-            kvr_format(
-                "a value of type %s can't be read as %s; the default stands", NameOf( found->GetType() ), inExpected ) );
+            kvr_format( "a value of type %s can't be read as %s; the default stands", NameOf( found->GetType() ),
+                inExpected ) );
 }
 
 void HReadingVisitor::NoteRepair( HFieldKey inKey, TextView inReason ) const

@@ -5,6 +5,7 @@
 #include "Actions/HFieldVisitor.h"
 
 #include <variant>
+#include <vector>
 
 /// Throws XException for a required key without a usable value; its message quotes the read. What it
 /// read from older keys, or set right, it tells the load observer, if there is one.

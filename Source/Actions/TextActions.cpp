@@ -23,14 +23,6 @@ Text Excerpt( const XText& inText )
     }
     return text;
 }
-
-Text KeyWith( TextView inBefore, TextView inName, TextView inAfter )
-{
-    Text key( inBefore );
-    key += inName;
-    key += inAfter;
-    return key;
-}
 } // namespace
 
 // Comment
@@ -106,8 +98,7 @@ void AInsertText::AddMatchStrings( StringSearchee& ioSearchee ) const
 
 Text AInsertText::InternalGetActionDescriptionString() const
 {
-    return kvr_localizedFormat(
-        KeyWith( u"kvInsertText", kInsertTextActionNames[std::size_t( mAction )], u"DescriptionFormat" ),
+    return kvr_localizedFormat( kvr_format( "kvInsertText%@DescriptionFormat", StoredName( mAction ) ),
         TextView( Excerpt( mText.GetText() ) ) );
 }
 
@@ -134,7 +125,6 @@ XText ASetVariableToText::GetTransformationResult( CalculateError*, float*, bool
 
 Text ASetVariableToText::InternalGetActionDescriptionString() const
 {
-    return kvr_localizedFormat(
-        KeyWith( u"kvSetVariableToText", kTextPlacementNames[std::size_t( mWhere )], u"DescriptionFormat" ),
+    return kvr_localizedFormat( kvr_format( "kvSetVariableToText%@DescriptionFormat", StoredName( mWhere ) ),
         TextView( mVariable.GetText() ), TextView( Excerpt( mText ) ) );
 }
