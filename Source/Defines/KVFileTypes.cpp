@@ -87,12 +87,12 @@ bool KVFileTypes::ShouldShowImage( const Path& inPath )
 bool KVFileTypes::IsAppleScriptFilename( const Path& inPath )
 {
     return HasType( inPath, { u"com.apple.applescript.text", u"com.apple.applescript.script" } ) or
-        HasExtension( inPath, { "scpt", "scptd", "applescript" } );
+        HasExtension( inPath, { "scpt", "scptd", "applescript" } ) or IsScriptApplication( inPath );
 }
 
 bool KVFileTypes::ShouldShowAppleScriptFilename( const Path& inPath )
 {
-    return IsAppleScriptFilename( inPath ) or IsScriptApplication( inPath );
+    return IsAppleScriptFilename( inPath );
 }
 
 bool KVFileTypes::ShouldShowShellScriptFilename( const Path& inPath )

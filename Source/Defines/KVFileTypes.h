@@ -13,9 +13,9 @@ using Path = std::filesystem::path;
 /// A file, or a folder that shows as one.
 [[nodiscard]] bool ShouldShowFileOrPackage( const Path& inPath );
 [[nodiscard]] bool ShouldShowImage( const Path& inPath );
-/// By name and type alone.
+/// A script that was saved as an application counts as well; its signature is read from the bundle.
 [[nodiscard]] bool IsAppleScriptFilename( const Path& inPath );
-/// A script application counts as well; its signature is read from the bundle.
+/// The same, as choosers ask it.
 [[nodiscard]] bool ShouldShowAppleScriptFilename( const Path& inPath );
 [[nodiscard]] bool ShouldShowShellScriptFilename( const Path& inPath );
 [[nodiscard]] bool ShouldShowSwiftScriptFilename( const Path& inPath );

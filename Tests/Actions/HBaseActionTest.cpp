@@ -1,4 +1,5 @@
 #include "ActionTestSupport.h"
+#include "Tests/Support/ScratchFolder.h"
 
 #include "Actions/ASwitch.h"
 #include "Actions/ActionCreation.h"
@@ -6,6 +7,8 @@
 #include "Actions/HCaseEntry.h"
 #include "Actions/HDelayPreference.h"
 #include "Actions/HFieldVisitors.h"
+#include "Actions/MacroActions.h"
+#include "Macros/MMacro.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Search/StringSearcher.h"
 
@@ -405,6 +408,38 @@ TEST( HBaseAction, EngroupingGivesTheContainerAndTheListThatReceives )
     }
     for ( const int none : { 8, 9, -1, 1000 } )
         EXPECT_FALSE( CreateActionForForEngroup( selector, EngroupSelection( none ) ).mContainer ) << none;
+}
+
+TEST( HBaseAction, EngroupingIntoAMacroExecutesItAndItsOwnActionsReceive )
+{
+    class NewMacro final : public EngroupSelector
+    {
+    public:
+        MMacro* newMacroForEngroup() override { return &mMacro; }
+        MMacro mMacro;
+    } selector;
+    const EngroupResult result = CreateActionForForEngroup( selector, EngroupSelection::kNewMacro );
+    const auto* execute = dynamic_cast<const AExecuteMacro*>( result.mContainer.get() );
+    ASSERT_TRUE( execute );
+    EXPECT_EQ( execute->GetMacroUID(), selector.mMacro.GetUID() );
+    EXPECT_EQ( result.mList, selector.mMacro.GetActionList() );
+}
+
+TEST( HBaseAction, ADroppedApplicationIsActivatedUnlessItIsAScript )
+{
+    const ScratchFolder folder;
+    std::filesystem::create_directories( folder.Path() / "Applet.app" / "Contents" );
+    folder.Write( "Applet.app/Contents/Info.plist",
+        UTF8FromText( *kvr_toXMLString( Dict( { { "CFBundleSignature", Str( u"aplt" ) } } ) ) ) );
+    std::filesystem::create_directory( folder / "Plain.app" );
+    Text title;
+    const auto script = CreateActionForDraggedPath( folder / "Applet.app", title );
+    EXPECT_EQ( script->GetActionType(), HActionType::kExecuteAppleScript );
+    EXPECT_EQ( UTF8FromText( title ), "Execute ‘Applet.app’" );
+    const auto application = CreateActionForDraggedPath( folder / "Plain.app", title );
+    EXPECT_EQ( application->GetActionType(), HActionType::kActivateApplication );
+    EXPECT_EQ( UTF8FromText( title ), "Activate ‘Plain’" );
+    EXPECT_EQ( At( Saved( *application ), "Application" ), Dict( { { "Name", Str( u"Plain" ) } } ) );
 }
 
 TEST( HBaseAction, ADroppedFileGivesTheActionThatFitsItsName )
