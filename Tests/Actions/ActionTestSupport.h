@@ -1,10 +1,10 @@
 // What the tests of actions share.
 #pragma once
 
-#include "Tests/Support/LogCapture.h"
 #include "Actions/HBaseAction.h"
 #include "CFMethods/PropertyListCodec.h"
 #include "Macros/MLoadObserver.h"
+#include "Tests/Support/LogCapture.h"
 #include "XCAF/XException.h"
 
 #include <gtest/gtest.h>

@@ -137,7 +137,8 @@ TEST( HActionList, WhatCantBeUnderstoodIsDroppedWithALineAndItsNeighboursStay )
         }
         EXPECT_EQ( NamesIn( list ), "AB" ) << reason;
         EXPECT_EQ( drops.mText, "1:" + std::string( reason ) + ";" );
-        EXPECT_EQ( log.CountContaining( "Failed to understand action with error " + std::string( reason ) + " at " ), 1u )
+        EXPECT_EQ(
+            log.CountContaining( "Failed to understand action with error " + std::string( reason ) + " at " ), 1u )
             << reason;
     }
 }

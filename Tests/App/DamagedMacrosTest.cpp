@@ -21,8 +21,8 @@ bool IsLongRun()
 
 __SafeCFPropertyList Example( const char* inName )
 {
-    const XFileContent file =
-        ReadWholeFile( std::filesystem::path( KORVALEN_TESTS_FOLDER ) / ".." / "Examples" / inName, std::size_t( 1 ) << 20 );
+    const XFileContent file = ReadWholeFile(
+        std::filesystem::path( KORVALEN_TESTS_FOLDER ) / ".." / "Examples" / inName, std::size_t( 1 ) << 20 );
     return ReadPropertyList( file.mBytes.Span() ).mValue;
 }
 

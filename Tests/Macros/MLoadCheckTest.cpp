@@ -153,8 +153,9 @@ TEST_F( LoadCheck, ReasonsAreWordsForPeople )
         __SafeCFPropertyList mNew;
         const char16_t* mText;
     } kCases[] = {
-        { { "MacroGroups", 1u }, Int( 1 ), u"it is no dictionary but a number" },
-        { { "MacroGroups", 1u }, Dict( {} ), u"its key “SearchStrings” is missing or of the wrong type" },
+        { { "MacroGroups", 1u }, Int( 1 ), u"it is no dictionary, but of type number" },
+        { { "MacroGroups", 1u }, Dict( {} ),
+            u"it has neither a list “Macros”, as a group has, nor “SearchStrings”, as a smart group has" },
         { { "MacroGroups", 1u, "Macros", 0u, "Triggers" }, nullptr,
             u"its key “Triggers” is missing or of the wrong type" },
         { { "MacroGroups", 1u, "Macros", 0u, "Actions" }, nullptr, u"its key “Actions” is missing or no array" },

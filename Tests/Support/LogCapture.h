@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <mutex>
-#include <vector>
-#include <utility>
 #include <string>
+#include <utility>
+#include <vector>
 
 class LogCapture
 {
