@@ -9,6 +9,7 @@
 // of meeting, so the bytes don't depend on the seed.
 #include "CFMethods/PropertyListCodec.h"
 #include "CFMethods/PropertyListMaker.h"
+#include "XCAF/XErrorHandler.h"
 
 #include <bit>
 #include <cstring>
@@ -435,5 +436,8 @@ XBytes Writer::Write( const XPlistNode* inRoot )
 
 XBytes WriteBinaryPropertyList( const __SafeCFPropertyList& inValue )
 {
+    XAssert( inValue );
+    if ( not inValue )
+        return {};
     return Writer().Write( inValue.GetNode() );
 }

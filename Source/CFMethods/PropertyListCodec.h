@@ -90,7 +90,7 @@ struct XPlistReadResult
 [[nodiscard]] XPlistReadResult ReadXMLPropertyList(
     std::span<const std::uint8_t> inBytes, const XPlistLimits& inLimits = {} );
 
-/// The binary form of a value that isn't null. Equal strings, numbers, dates and data are stored once;
+/// The binary form of a value that isn't null; null is asserted and gives no bytes. Equal strings, numbers, dates and data are stored once;
 /// a container is written wherever it is held.
 [[nodiscard]] XBytes WriteBinaryPropertyList( const __SafeCFPropertyList& inValue );
 

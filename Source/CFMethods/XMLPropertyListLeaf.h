@@ -1,5 +1,5 @@
 // The text forms that numbers, dates and data have in an XML property list, both ways. Private to
-// the XML codec. All of it is the same in every locale.
+// this folder. All of it is the same in every locale.
 #pragma once
 
 #include "CFMethods/PropertyList.h"
