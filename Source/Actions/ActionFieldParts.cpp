@@ -1,5 +1,6 @@
 #include "Actions/ActionFieldParts.h"
 
+#include "Actions/DescriptionText.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
@@ -11,20 +12,26 @@ struct TextKeys
 };
 
 // "Redundand" as stored.
-constexpr TextKeys kPlainKeys = { "Source", "NamedClipboardName", "RedundandDisplayName", "Variable", "Text", "Path" };
-constexpr TextKeys kPrefixedKeys = { "Source", "SourceNamedClipboardName", "SourceRedundandDisplayName",
-    "SourceVariable", "SourceText", "SourcePath" };
+constexpr TextKeys kKeys[] = {
+    { "Source", "NamedClipboardName", "RedundandDisplayName", "Variable", "Text", "Path" },
+    { "Source", "SourceNamedClipboardName", "SourceRedundandDisplayName", "SourceVariable", "SourceText",
+        "SourcePath" },
+    { "Destination", "DestinationName", "DestinationRedundandDisplayName", "DestinationVariable", "DestinationText",
+        "DestinationPath" },
+};
 } // namespace
 
-void ActionTextSource::DescribeFields( HFieldVisitor& inVisitor )
+void ActionTextEither::DescribeFields( HFieldVisitor& inVisitor )
 {
-    const TextKeys& keys = mKeys == Keys::kPrefixed ? kPrefixedKeys : kPlainKeys;
-    inVisitor.Name( keys.mType, mType );
+    const TextKeys& keys = kKeys[std::size_t( mForm )];
+    if ( mForm == Form::kDestination )
+        inVisitor.NameUnless( keys.mType, mType, ActionTextSourceType::kSource );
+    else
+        inVisitor.Name( keys.mType, mType );
     switch ( mType )
     {
     case ActionTextSourceType::kNamedClipboard:
-        inVisitor.Text( keys.mClipboardUID, mClipboardUID );
-        inVisitor.Text( keys.mClipboardName, mClipboardName );
+        DescribeClipboard( inVisitor, keys.mClipboardUID, keys.mClipboardName, mClipboard );
         break;
     case ActionTextSourceType::kVariable:
         inVisitor.Variable( keys.mVariable, mVariable );
@@ -40,18 +47,86 @@ void ActionTextSource::DescribeFields( HFieldVisitor& inVisitor )
     }
 }
 
-void ActionTextSource::SetVariable( const XText& inVariable )
+void ActionTextEither::SetVariable( const XText& inVariable )
 {
     mType = ActionTextSourceType::kVariable;
     mVariable = inVariable;
 }
 
-XText ActionTextSource::GetValueText() const
+void ActionTextEither::SetText( const XText& inText )
+{
+    mType = ActionTextSourceType::kText;
+    mText = inText;
+}
+
+void ActionTextEither::InitializeFromClipboardTarget( const ClipboardTarget& inTarget )
+{
+    switch ( inTarget.GetKind() )
+    {
+    case ClipboardTarget::Kind::kSystem:
+        mType = ActionTextSourceType::kClipboard;
+        break;
+    case ClipboardTarget::Kind::kTrigger:
+        mType = ActionTextSourceType::kTriggerClipboard;
+        break;
+    case ClipboardTarget::Kind::kNamed:
+        mType = ActionTextSourceType::kNamedClipboard;
+        mClipboard = inTarget.GetReference();
+        break;
+    }
+}
+
+void ActionTextEither::InitializeFromVariable( const XText& inVariable )
+{
+    SetVariable( inVariable.IsNull() ? SharedText<u"">() : inVariable );
+}
+
+bool ActionTextEither::UpdateClipboardReference( bool inForce )
+{
+    return mType == ActionTextSourceType::kNamedClipboard and mClipboard.UpdateClipboardReference( inForce );
+}
+
+void ActionTextEither::UpdateToDefaultValues( bool inForce )
+{
+    UpdateClipboardReference( inForce );
+}
+
+bool ActionTextEither::AvailableInEditor() const
+{
+    return mType != ActionTextSourceType::kNothing and mType != ActionTextSourceType::kSource and
+        mType != ActionTextSourceType::kTriggerClipboard;
+}
+
+bool ActionTextEither::IsValidDestination() const
+{
+    return mType != ActionTextSourceType::kNothing and mType != ActionTextSourceType::kText;
+}
+
+bool ActionTextEither::WantsPlainText() const
+{
+    return mType == ActionTextSourceType::kVariable or mType == ActionTextSourceType::kText;
+}
+
+int ActionTextEither::CompareWithSame( const ActionTextEither& inOther ) const
+{
+    if ( mType != inOther.mType )
+        return mType < inOther.mType ? -1 : 1;
+    if ( mType == ActionTextSourceType::kNamedClipboard )
+        return mClipboard.CompareWithSame( inOther.mClipboard );
+    return GetValueText().GetText().compare( inOther.GetValueText().GetText() );
+}
+
+bool ActionTextEither::DictionaryHasSource( const XPlistDictionary& inDictionary )
+{
+    return inDictionary.Contains( kKeys[0].mType.Key() );
+}
+
+XText ActionTextEither::GetValueText() const
 {
     switch ( mType )
     {
     case ActionTextSourceType::kNamedClipboard:
-        return mClipboardName;
+        return mClipboard.GetClipboardName();
     case ActionTextSourceType::kVariable:
         return mVariable;
     case ActionTextSourceType::kText:
@@ -63,15 +138,16 @@ XText ActionTextSource::GetValueText() const
     }
 }
 
-void ActionTextSource::AddMatchStrings( StringSearchee& ioSearchee ) const
+void ActionTextEither::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     ioSearchee.Add( GetValueText() );
 }
 
-Text ActionTextSource::GetActionDescriptionString() const
+Text ActionTextEither::GetActionDescriptionString() const
 {
+    const XText value = mType == ActionTextSourceType::kText ? XText( kvr_excerpt( mText ) ) : GetValueText();
     return kvr_localizedFormat(
-        kvr_format( "kvActionTextSource%@Description", StoredName( mType ) ), TextView( GetValueText().GetText() ) );
+        kvr_format( "kvActionTextSource%@Description", StoredName( mType ) ), TextView( value.GetText() ) );
 }
 
 void DescribeApplication(
@@ -79,6 +155,8 @@ void DescribeApplication(
 {
     __SafeCFPropertyList value = ioApplication ? ioApplication->CopyToPropertyList() : nullptr;
     inVisitor.Value( inKey, value );
+    if ( StringSearchee* searchee = inVisitor.Searchee(); searchee and ioApplication )
+        searchee->Add( ioApplication->GetDisplayName() );
     if ( not inVisitor.IsReading() )
         return;
     if ( value.AsDictionary() )
@@ -89,6 +167,8 @@ void DescribeApplication(
 
 void ApplicationTarget::DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTypeKey, HFieldKey inApplicationKey )
 {
+    if ( inVisitor.Searchee() and mType == ApplicationTargetingType::kFront )
+        return; // what is kept beside the front one isn't seen, and so isn't found
     const bool olderForm =
         inVisitor.IsReading() and not inVisitor.HasKey( inTypeKey ) and inVisitor.HasKey( inApplicationKey );
     inVisitor.Name( inTypeKey, mType );
@@ -113,10 +193,9 @@ bool ApplicationTarget::IsSameAs( const ApplicationTarget& inOther ) const
     return mApplication->CompareWithSame( *inOther.mApplication ) == 0;
 }
 
-void ApplicationTarget::AddMatchStrings( StringSearchee& ioSearchee ) const
+Text ApplicationTarget::GetApplicationName() const
 {
-    if ( mType == ApplicationTargetingType::kSpecific and mApplication )
-        ioSearchee.AddApp( mApplication->GetDisplayName() );
+    return mType == ApplicationTargetingType::kSpecific and mApplication ? mApplication->GetDisplayName() : Text();
 }
 
 void StyledTextSource::DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTextKey, HFieldKey inStyledTextKey )

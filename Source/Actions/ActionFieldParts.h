@@ -3,6 +3,7 @@
 // thread.
 #pragma once
 
+#include "Actions/ClipboardTarget.h"
 #include "Actions/HFieldVisitor.h"
 #include "Actions/SharedText.h"
 #include "XCAF/XApplicationIdentifier.h"
@@ -29,16 +30,10 @@ constexpr auto NamesOf( ActionTextSourceType )
     return std::span( kActionTextSourceTypeNames );
 }
 
-/// Where a text comes from. Beside the type only what belongs to the type is stored; an absent or unknown
-/// type is the clipboard.
-class ActionTextSource
+/// Where a text comes from or goes to. Beside the type only what belongs to the type is stored.
+class ActionTextEither
 {
 public:
-    /// Prefixed keys, where the holder has another part with the plain ones.
-    enum class Keys : bool { kPlain, kPrefixed };
-
-    explicit ActionTextSource( Keys inKeys = Keys::kPlain ) : mKeys( inKeys ) {}
-
     void DescribeFields( HFieldVisitor& inVisitor );
 
     [[nodiscard]] ActionTextSourceType GetSourceType() const { return mType; }
@@ -46,21 +41,66 @@ public:
     /// Sets the type as well.
     void SetVariable( const XText& inVariable );
     [[nodiscard]] const XText& GetVariable() const { return mVariable; }
+    /// Sets the type as well.
+    void SetText( const XText& inText );
+    [[nodiscard]] const XText& GetText() const { return mText; }
+    [[nodiscard]] const XText& GetPath() const { return mPath; }
+    [[nodiscard]] const ClipboardReference& GetClipboard() const { return mClipboard; }
 
+    void InitializeFromClipboardTarget( const ClipboardTarget& inTarget );
+    /// Null is the variable "".
+    void InitializeFromVariable( const XText& inVariable );
+    /// True when the reference to a named clipboard changed.
+    bool UpdateClipboardReference( bool inForce );
+    void UpdateToDefaultValues( bool inForce );
+    /// Can the editor tell what the text is? Not what a trigger brings, nor a source of no kind.
+    [[nodiscard]] bool AvailableInEditor() const;
+    /// Could a text be put there?
+    [[nodiscard]] bool IsValidDestination() const;
+    /// Does the place hold texts without styles only?
+    [[nodiscard]] bool WantsPlainText() const;
+    /// Orders by type, then by what belongs to the type.
+    [[nodiscard]] int CompareWithSame( const ActionTextEither& inOther ) const;
     void AddMatchStrings( StringSearchee& ioSearchee ) const;
-    /// The source in words, as part of an action's description.
+    /// The place in words, as part of an action's description.
     [[nodiscard]] Text GetActionDescriptionString() const;
+
+    /// Has the dictionary a key of a source?
+    [[nodiscard]] static bool DictionaryHasSource( const XPlistDictionary& inDictionary );
+
+protected:
+    enum class Form : std::uint8_t { kPlainSource, kPrefixedSource, kDestination };
+    ActionTextEither( Form inForm, ActionTextSourceType inType ) : mForm( inForm ), mType( inType ) {}
 
 private:
     [[nodiscard]] XText GetValueText() const;
 
-    Keys mKeys;
-    ActionTextSourceType mType = ActionTextSourceType::kClipboard;
-    XText mClipboardUID = SharedText<u"">();
-    XText mClipboardName = SharedText<u"">(); // to show when the clipboard is gone
+    Form mForm;
+    ActionTextSourceType mType;
+    ClipboardReference mClipboard;
     XText mVariable = SharedText<u"VarName">();
     XText mText = SharedText<u"">();
     XText mPath = SharedText<u"">();
+};
+
+/// Where a text comes from; the clipboard, if the type is absent or unknown.
+class ActionTextSource : public ActionTextEither
+{
+public:
+    /// Prefixed keys ("SourceText"), where the holder has another part with the plain ones ("Text").
+    enum class Keys : bool { kPlain, kPrefixed };
+
+    explicit ActionTextSource( Keys inKeys = Keys::kPlain )
+        : ActionTextEither(
+              inKeys == Keys::kPlain ? Form::kPlainSource : Form::kPrefixedSource, ActionTextSourceType::kClipboard )
+    {}
+};
+
+/// Where a text goes: by default to where it came from, for which nothing is stored.
+class ActionTextDestination : public ActionTextEither
+{
+public:
+    ActionTextDestination() : ActionTextEither( Form::kDestination, ActionTextSourceType::kSource ) {}
 };
 
 /// One application of a field; none when the key is absent or holds no dictionary.
@@ -87,7 +127,8 @@ public:
     void SetFront() { mType = ApplicationTargetingType::kFront; }
     void SetSpecific( XApplicationIdentifier inApplication );
     [[nodiscard]] bool IsSameAs( const ApplicationTarget& inOther ) const;
-    void AddMatchStrings( StringSearchee& ioSearchee ) const;
+    /// For descriptions: the application's name, or "" for the one in front.
+    [[nodiscard]] Text GetApplicationName() const;
 
 private:
     ApplicationTargetingType mType = ApplicationTargetingType::kFront;

@@ -1,6 +1,7 @@
 // What people see of any action: its titles, descriptions, help page and icons, and what a search finds.
 #include "Actions/HBaseAction.h"
 
+#include "Actions/HFieldVisitors.h"
 #include "Defines/KVIconRegistry.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Search/StringSearcher.h"
@@ -154,6 +155,9 @@ void HBaseAction::AddMatchStrings( StringSearchee& ioSearchee ) const
     ioSearchee.Add( GetActionDescriptionString() );
     for ( Text& words : GetAddActionByNameExtraSearchString() )
         ioSearchee.Add( std::move( words ) );
+    // What a description leaves out or cuts off, and what a title of the user's hides.
+    HCollectingVisitor visitor( ioSearchee );
+    const_cast<HBaseAction*>( this )->DescribeFields( visitor ); // which writes to no member
 }
 
 void HBaseAction::AddMatchStringsForSubActions( StringSearchee& ioSearchee ) const

@@ -14,6 +14,7 @@
 #include <span>
 
 class HActions;
+class StringSearchee;
 
 /// The key of a row: a literal, hashed at compile time. Owns nothing.
 class HFieldKey
@@ -57,6 +58,7 @@ struct HTextOptions
     std::optional<TextView> mWhenMissing = {};
     HFieldKey mOlderKey = {}; ///< of a text; of a calculation the number that it once was
     const char* mRequiredAs = nullptr;
+    bool mIsUID = false; ///< the identity of a macro or group: found as such, not as a text
     XWrite mWrite = XWrite::kAlways;
 };
 
@@ -121,6 +123,15 @@ public:
             ioValue = Enumeration( index );
     }
 
+    /// One of the stored names, not written while it is the given one, which is also what an absent key means.
+    template<HNamed Enumeration>
+    void NameUnless( HFieldKey inKey, Enumeration& ioValue, Enumeration inUnwritten )
+    {
+        Name( inKey, ioValue,
+            { .mWhenMissing = inUnwritten,
+                .mWrite = ioValue == inUnwritten and not IsReading() ? XWrite::kNever : XWrite::kAlways } );
+    }
+
     /// A shared part whose keys begin with a prefix.
     template<class APart>
     void Part( std::string_view inPrefix, APart& ioPart )
@@ -132,6 +143,8 @@ public:
     template<class AValue>
     void Converted( HFieldKey inKey, AValue& ioValue, const HValueOptions& inOptions = {} )
     {
+        if ( Searchee() ) // whoever holds such a value says what can be found in it
+            return;
         if ( not IsReading() )
         {
             __SafeCFPropertyList value = ioValue.CopyToPropertyList();
@@ -146,6 +159,9 @@ public:
 
     /// Does this visitor fill the members?
     [[nodiscard]] virtual bool IsReading() const { return false; }
+    /// Where this visitor collects what a search can find; null for those that don't. Texts, calculations and variables
+    /// go there by themselves.
+    [[nodiscard]] virtual StringSearchee* Searchee() { return nullptr; }
     /// Reading only: is the key there, whatever its value?
     [[nodiscard]] virtual bool HasKey( HFieldKey ) const { return false; }
     /// Reading only: the value of a key was set right by whoever described it.

@@ -3,6 +3,7 @@
 #include "Actions/HActionList.h"
 #include "CFMethods/PropertyListCodec.h"
 #include "Macros/MLoadObserver.h"
+#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Format.h"
 #include "XCAF/XException.h"
 
@@ -377,6 +378,28 @@ int kvr_comparePropertyLists( const __SafeCFPropertyList& inFirst, const __SafeC
     const XBytes first = WriteBinaryPropertyList( inFirst );
     const XBytes second = WriteBinaryPropertyList( inSecond );
     return CompareBytes( first.Span(), second.Span() );
+}
+
+// Collecting
+
+void HCollectingVisitor::Text( HFieldKey, XText& ioValue, const HTextOptions& inOptions )
+{
+    if ( inOptions.mWrite == XWrite::kNever )
+        return;
+    if ( inOptions.mIsUID )
+        mSearchee.AddUID( ioValue );
+    else
+        mSearchee.Add( ioValue );
+}
+
+void HCollectingVisitor::Calculation( HFieldKey, XText& ioValue, const HTextOptions& )
+{
+    mSearchee.Add( ioValue );
+}
+
+void HCollectingVisitor::Variable( HFieldKey, XText& ioValue )
+{
+    mSearchee.Add( ioValue );
 }
 
 Text kvr_shortestNumber( double inNumber )

@@ -1,5 +1,5 @@
-// The three visitors over the lists of fields: one fills a fresh object from a dictionary, one
-// writes an object into a dictionary, one orders two objects. Each lives for one call.
+// The visitors over the lists of fields: one fills a fresh object from a dictionary, one writes an object
+// into a dictionary, one orders two objects, one collects what can be searched. Each lives for one call.
 #pragma once
 
 #include "Actions/HFieldVisitor.h"
@@ -98,6 +98,32 @@ private:
     [[nodiscard]] static int CompareValues( const HComparingVisitor& inFirst, const HComparingVisitor& inSecond );
 
     std::vector<Taken> mValues;
+};
+
+/// Offers the texts of an object to a search: those of texts, calculations and variables; and what other
+/// parts add to Searchee() themselves.
+class HCollectingVisitor final : public HFieldVisitor
+{
+public:
+    explicit HCollectingVisitor( StringSearchee& ioSearchee ) : mSearchee( ioSearchee ) {}
+
+    void Boolean( HFieldKey, bool&, const HBooleanOptions& ) override {}
+    void Integer( HFieldKey, std::int32_t&, const HNumberOptions& ) override {}
+    void Integer( HFieldKey, std::int64_t&, const HNumberOptions& ) override {}
+    void Real( HFieldKey, double&, const HNumberOptions& ) override {}
+    void Text( HFieldKey inKey, XText& ioValue, const HTextOptions& inOptions ) override;
+    void Calculation( HFieldKey inKey, XText& ioValue, const HTextOptions& inOptions ) override;
+    void Variable( HFieldKey inKey, XText& ioValue ) override;
+    void Data( HFieldKey, CFContainer<XPlistData>&, const HValueOptions& ) override {}
+    void Value( HFieldKey, __SafeCFPropertyList&, const HValueOptions& ) override {}
+    void Actions( HFieldKey, HFieldKey, HActions& ) override {} // found as sub-actions
+
+    [[nodiscard]] StringSearchee* Searchee() override { return &mSearchee; }
+
+private:
+    void NameIndex( HFieldKey, std::size_t&, std::span<const TextView>, std::size_t, XWrite ) override {}
+
+    StringSearchee& mSearchee;
 };
 
 /// The shortest text of a number as it stood in an older file: no decimals for a whole number, at most

@@ -2,13 +2,12 @@
 
 #include "Macros/MMacroInsertion.h"
 #include "Macros/MMacroSerializedObject.h"
-#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 #include "XCAF/XErrorHandler.h"
 
 void AExecuteMacro::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Text( "MacroUID", mMacroUID, { .mRequiredAs = "macroUID" } );
+    inVisitor.Text( "MacroUID", mMacroUID, { .mRequiredAs = "macroUID", .mIsUID = true } );
     inVisitor.Boolean( "UseParameter", mUseParameter );
     inVisitor.Text( "Parameter", mParameter );
     inVisitor.Boolean( "Asynchronously", mAsynchronously );
@@ -24,12 +23,6 @@ void AExecuteMacro::UpdateForPasteOrAdd()
 std::vector<Text> AExecuteMacro::GetAddActionByNameExtraSearchString() const
 {
     return { u"run", u"trigger" };
-}
-
-void AExecuteMacro::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    HBaseAction::AddMatchStrings( ioSearchee );
-    ioSearchee.AddUID( mMacroUID );
 }
 
 Text AExecuteMacro::InternalGetActionDescriptionString() const

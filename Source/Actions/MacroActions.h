@@ -12,7 +12,6 @@ public:
     /// A macro may call itself.
     [[nodiscard]] bool IsLoop() const override { return true; }
     [[nodiscard]] std::vector<Text> GetAddActionByNameExtraSearchString() const override;
-    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
 
     [[nodiscard]] const XText& GetMacroUID() const { return mMacroUID; }
     void SetMacroUID( const XText& inUID ) { mMacroUID = inUID; }

@@ -1,7 +1,6 @@
 #include "Actions/NotificationActions.h"
 
 #include "Macros/MLoadObserver.h"
-#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
 namespace
@@ -28,13 +27,6 @@ void ANotification::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Text( "Subtitle", mSubtitle );
     inVisitor.Text( "Text", mText );
     inVisitor.Text( "SoundName", mSoundName );
-}
-
-void ANotification::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    HBaseAction::AddMatchStrings( ioSearchee );
-    for ( const XText& text : { mTitle, mSubtitle, mText } )
-        ioSearchee.Add( text );
 }
 
 Text ANotification::InternalGetActionDescriptionString() const

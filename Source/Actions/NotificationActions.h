@@ -9,7 +9,6 @@ class ANotification final : public HActionOf<ANotification, HActionType::kNotifi
 public:
     ANotification();
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
 
     void SetTitle( const XText& inTitle ) { mTitle = inTitle; }
     void SetText( const XText& inText ) { mText = inText; }

@@ -1,6 +1,5 @@
 #include "Actions/OpenActions.h"
 
-#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
 AOpenURL::AOpenURL()
@@ -17,14 +16,6 @@ void AOpenURL::DescribeFields( HFieldVisitor& inVisitor )
         "IsDefaultApplication", mIsDefaultApplication, { .mWhenMissing = not inVisitor.HasKey( "Application" ) } );
     DescribeApplication( inVisitor, "Application", mApplication );
     inVisitor.Boolean( "OpenInBackground", mOpenInBackground );
-}
-
-void AOpenURL::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    HBaseAction::AddMatchStrings( ioSearchee );
-    ioSearchee.Add( mURL );
-    if ( not mIsDefaultApplication and mApplication )
-        ioSearchee.AddApp( mApplication->GetDisplayName() );
 }
 
 Text AOpenURL::InternalGetActionDescriptionString() const

@@ -9,7 +9,6 @@ class AOpenURL final : public HActionOf<AOpenURL, HActionType::kOpenURL>
 public:
     AOpenURL();
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

@@ -1,29 +1,7 @@
 #include "Actions/TextActions.h"
 
-#include "Utility/Search/StringSearchee.h"
+#include "Actions/DescriptionText.h"
 #include "Utility/Text/Localization.h"
-
-namespace
-{
-// A description shows the beginning of a text, on one line.
-constexpr std::size_t kDescribedLength = 60;
-
-Text Excerpt( const XText& inText )
-{
-    Text text = inText.GetText();
-    for ( char16_t& unit : text )
-    {
-        if ( unit == u'\n' or unit == u'\r' or unit == u'\t' )
-            unit = u' ';
-    }
-    if ( text.size() > kDescribedLength )
-    {
-        text.resize( IsHighSurrogate( text[kDescribedLength - 1] ) ? kDescribedLength - 1 : kDescribedLength );
-        text += u'…';
-    }
-    return text;
-}
-} // namespace
 
 // Comment
 
@@ -33,13 +11,6 @@ void AComment::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Data( "StyledText", mStyledText );
     if ( not mStyledText )
         inVisitor.Text( "Text", mText, { .mWrite = XWrite::kWhenSet } );
-}
-
-void AComment::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    HBaseAction::AddMatchStrings( ioSearchee );
-    ioSearchee.Add( mTitle );
-    ioSearchee.Add( mText );
 }
 
 Text AComment::InternalGetActionDescriptionString() const
@@ -89,17 +60,10 @@ std::unique_ptr<HBaseAction> AInsertText::Merge( const HBaseAction& inNext ) con
     return merged;
 }
 
-void AInsertText::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    HBaseAction::AddMatchStrings( ioSearchee );
-    ioSearchee.Add( mText.GetText() );
-    mTarget.AddMatchStrings( ioSearchee );
-}
-
 Text AInsertText::InternalGetActionDescriptionString() const
 {
     return kvr_localizedFormat( kvr_format( "kvInsertText%@DescriptionFormat", StoredName( mAction ) ),
-        TextView( Excerpt( mText.GetText() ) ) );
+        TextView( kvr_excerpt( mText.GetText() ) ) );
 }
 
 // Set Variable to Text
@@ -111,13 +75,6 @@ void ASetVariableToText::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Name( "Where", mWhere );
 }
 
-void ASetVariableToText::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    HBaseAction::AddMatchStrings( ioSearchee );
-    ioSearchee.Add( mVariable );
-    ioSearchee.Add( mText );
-}
-
 XText ASetVariableToText::GetTransformationResult( CalculateError*, float*, bool ) const
 {
     return mWhere == TextPlacement::kSet ? mText : XText();
@@ -126,5 +83,5 @@ XText ASetVariableToText::GetTransformationResult( CalculateError*, float*, bool
 Text ASetVariableToText::InternalGetActionDescriptionString() const
 {
     return kvr_localizedFormat( kvr_format( "kvSetVariableToText%@DescriptionFormat", StoredName( mWhere ) ),
-        TextView( mVariable.GetText() ), TextView( Excerpt( mText ) ) );
+        TextView( mVariable.GetText() ), TextView( kvr_excerpt( mText ) ) );
 }

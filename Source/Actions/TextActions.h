@@ -9,7 +9,6 @@ class AComment final : public HActionOf<AComment, HActionType::kComment>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
@@ -42,7 +41,6 @@ public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
     /// Two texts typed into the same application become one.
     [[nodiscard]] std::unique_ptr<HBaseAction> Merge( const HBaseAction& inNext ) const override;
-    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
 
     [[nodiscard]] const StyledTextSource& GetText() const { return mText; }
     void SetText( const XText& inText ) { mText.SetText( inText ); }
@@ -74,7 +72,6 @@ class ASetVariableToText final : public HActionOf<ASetVariableToText, HActionTyp
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
 
     [[nodiscard]] XText GetVariable() const override { return mVariable; }
     void SetVariable( const XText& inVariable ) { mVariable = inVariable; }

@@ -1,0 +1,36 @@
+#include "Actions/DescriptionText.h"
+
+namespace
+{
+constexpr std::size_t kExcerptLength = 60;
+}
+
+Text kvr_excerpt( const XText& inText )
+{
+    if ( inText.IsNull() )
+        return {};
+    Text text = inText.GetText();
+    const bool isLonger = text.size() > kExcerptLength;
+    if ( isLonger )
+        text.resize( IsHighSurrogate( text[kExcerptLength - 1] ) ? kExcerptLength - 1 : kExcerptLength );
+    for ( char16_t& unit : text )
+    {
+        if ( unit == u'\n' or unit == u'\r' or unit == u'\t' )
+            unit = u' ';
+    }
+    if ( isLonger )
+        text += u'…';
+    return text;
+}
+
+Text kvr_fileName( const XText& inPath )
+{
+    if ( inPath.IsNull() )
+        return {};
+    const Text path = inPath.GetText();
+    const std::size_t end = path.find_last_not_of( u'/' );
+    if ( end == Text::npos )
+        return path;
+    const std::size_t slash = path.find_last_of( u'/', end );
+    return path.substr( slash == Text::npos ? 0 : slash + 1, end - ( slash == Text::npos ? 0 : slash + 1 ) + 1 );
+}

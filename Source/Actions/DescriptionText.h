@@ -1,0 +1,9 @@
+// What descriptions of actions, conditions and collections share.
+#pragma once
+
+#include "CFMethods/PropertyList.h"
+
+/// The beginning of a text on one line, to stand within a description: at most 60 units, "…" behind it if more follows.
+[[nodiscard]] Text kvr_excerpt( const XText& inText );
+/// The last component of a path; the path itself when it has none.
+[[nodiscard]] Text kvr_fileName( const XText& inPath );

@@ -1,0 +1,135 @@
+#include "ClipboardSwitcher/ClipboardReference.h"
+
+#include "Utility/Search/StringSearchee.h"
+#include "Utility/Text/Localization.h"
+#include "Utility/Text/TextCompare.h"
+
+#include <map>
+
+namespace
+{
+ClipboardNames* gClipboardNames = nullptr;
+
+// How many references hold each UID. A map of texts, as references come and go by the thousand with their
+// actions but name few clipboards.
+std::map<Text, int, std::less<>>& gClipboardReferenceUIDs()
+{
+    static auto* const gUIDs = new std::map<Text, int, std::less<>>;
+    return *gUIDs;
+}
+
+void AddToUse( const XText& inUID )
+{
+    if ( not IsEmpty( inUID ) )
+        ++gClipboardReferenceUIDs()[inUID.GetText()];
+}
+
+void RemoveFromUse( const XText& inUID )
+{
+    if ( IsEmpty( inUID ) )
+        return;
+    auto& uids = gClipboardReferenceUIDs();
+    const auto found = uids.find( inUID.GetText() );
+    if ( found != uids.end() and --found->second == 0 )
+        uids.erase( found );
+}
+} // namespace
+
+ClipboardNames* ClipboardNames::Current()
+{
+    return gClipboardNames;
+}
+
+void ClipboardNames::SetCurrent( ClipboardNames* inNames )
+{
+    gClipboardNames = inNames;
+}
+
+ClipboardReference::ClipboardReference( const XText& inUID, const XText& inName ) : mUID( inUID ), mName( inName )
+{
+    AddToUse( mUID );
+}
+
+ClipboardReference::ClipboardReference( const ClipboardReference& inOther )
+    : ClipboardReference( inOther.mUID, inOther.mName )
+{}
+
+ClipboardReference& ClipboardReference::operator=( const ClipboardReference& inOther )
+{
+    Set( inOther.mUID, inOther.mName );
+    return *this;
+}
+
+ClipboardReference::~ClipboardReference()
+{
+    RemoveFromUse( mUID );
+}
+
+bool ClipboardReference::ClipboardUIDInUse( TextView inUID )
+{
+    return gClipboardReferenceUIDs().contains( inUID );
+}
+
+void ClipboardReference::SetClipboardUID( const XText& inUID )
+{
+    std::optional<Text> name;
+    if ( gClipboardNames )
+        name = gClipboardNames->StrictGetClipboardNameByUID( inUID.GetText() );
+    Set( inUID, name ? XText( *name ) : mName );
+}
+
+void ClipboardReference::Set( const XText& inUID, const XText& inName )
+{
+    const XText uid = inUID, name = inName; // which may be our own
+    AddToUse( uid );
+    RemoveFromUse( mUID );
+    mUID = uid;
+    mName = name;
+}
+
+bool ClipboardReference::UpdateClipboardReference( bool inForce )
+{
+    if ( not gClipboardNames )
+        return false;
+    const Text unnamed = kvr_localized( u"UnnamedClipboardName" );
+    const Text deprecated = kvr_localized( u"DeprecatedDefaultClipboardName" );
+    Text uid = mUID.GetText(), name = mName.GetText();
+    const bool isUnnamed = name.empty() or name == deprecated or name == unnamed;
+    if ( inForce or ( uid.empty() and isUnnamed ) )
+    {
+        uid.clear();
+        name = unnamed;
+    }
+    if ( const std::optional<Text> known = gClipboardNames->StrictGetClipboardNameByUID( uid ) )
+        name = *known;
+    else if ( name.empty() )
+        name = unnamed;
+    else if ( name == unnamed )
+        uid = gClipboardNames->GetClipboardUIDByName( name ).value_or( uid );
+    else
+        uid = gClipboardNames->GetOrCreateClipboard( name, uid );
+    if ( mUID.Equals( uid ) and mName.Equals( name ) )
+        return false;
+    Set( XText( uid ), XText( name ) );
+    return true;
+}
+
+ClipboardReference ClipboardReference::Updated() const
+{
+    ClipboardReference updated = *this;
+    updated.UpdateClipboardReference( false );
+    return updated;
+}
+
+int ClipboardReference::CompareWithSame( const ClipboardReference& inOther ) const
+{
+    if ( const int order = localizedStandardCompare( mName.GetText(), inOther.mName.GetText() ); order != 0 )
+        return order;
+    const int order = mUID.GetText().compare( inOther.mUID.GetText() );
+    return order < 0 ? -1 : order > 0;
+}
+
+void ClipboardReference::AddMatchStrings( StringSearchee& ioSearchee ) const
+{
+    ioSearchee.Add( mName );
+}
