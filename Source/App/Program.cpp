@@ -84,6 +84,7 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         SetUp( program );
         AddCheckVerb( program, verbs );
         AddMacrosFileVerbs( program, verbs );
+        AddCronVerb( program, verbs );
         AddPropertyListVerbs( program, verbs );
         try
         {

@@ -56,5 +56,8 @@ void AddPropertyListVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
 /// "check".
 void AddCheckVerb( CLI::App& ioProgram, VerbList& ioVerbs );
 
+/// "cron".
+void AddCronVerb( CLI::App& ioProgram, VerbList& ioVerbs );
+
 /// "list", "show" and "convert".
 void AddMacrosFileVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
