@@ -1,5 +1,6 @@
 #include "Actions/HBaseAction.h"
 
+#include "Actions/ActionLimits.h"
 #include "Actions/AppleScriptUIDMap.h"
 #include "Actions/HFieldVisitors.h"
 #include "CFMethods/PropertyListCodec.h"
@@ -63,8 +64,8 @@ std::unique_ptr<HBaseAction> HBaseAction::CreateActionOfType( HActionType inType
 std::unique_ptr<HBaseAction> HBaseAction::CreateFromPropertyList( const __SafeCFPropertyList& inValue )
 {
     const DepthScope depth;
-    XThrowIfNotText( gDepth <= kMaxDepth, "actions are nested more than 1000 deep" );
-    static_assert( kMaxDepth == 1000 );
+    XThrowIfNotText( gDepth <= kMostNestedActions, "actions are nested more than 1000 deep" );
+    static_assert( kMostNestedActions == 1000 );
 
     const XPlistDictionary* dictionary = inValue.AsDictionary();
     XThrowIfNotText( dictionary, "actionDictionary && actionDictionary->IsCorrectTypeID()" );
@@ -86,7 +87,7 @@ std::unique_ptr<HBaseAction> HBaseAction::CreateFromPropertyList( const __SafeCF
 
 std::unique_ptr<HBaseAction> HBaseAction::CreateFromActionXML( TextView inText )
 {
-    const __SafeCFPropertyList value = kvr_fromXMLString( inText );
+    const __SafeCFPropertyList value = kvr_fromXMLString( inText, kActionsPlistLimits );
     if ( not value.AsDictionary() )
         return nullptr;
     try

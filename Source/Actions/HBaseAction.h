@@ -24,10 +24,6 @@ enum class RecordedDetails : bool { kNo, kYes };
 class HBaseAction
 {
 public:
-    /// Containers within containers. Reading recurses by them, so that they have a limit; what lies
-    /// deeper is left out with a line in the log. A macros file can't be read at half that depth.
-    static constexpr int kMaxDepth = 1000;
-
     virtual ~HBaseAction();
     HBaseAction& operator=( const HBaseAction& ) = delete;
 

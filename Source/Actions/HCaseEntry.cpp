@@ -1,5 +1,6 @@
 #include "Actions/HCaseEntry.h"
 
+#include "Actions/ActionLimits.h"
 #include "Actions/AppleScriptUIDMap.h"
 #include "Actions/HFieldVisitors.h"
 #include "CFMethods/PropertyListCodec.h"
@@ -78,7 +79,8 @@ std::unique_ptr<HCaseEntry> HCaseEntry::CreateFromCaseEntryXML( TextView inText 
 {
     try
     {
-        if ( const __SafeCFPropertyList value = inText.empty() ? nullptr : kvr_fromXMLString( inText ) )
+        if ( const __SafeCFPropertyList value =
+                 inText.empty() ? nullptr : kvr_fromXMLString( inText, kActionsPlistLimits ) )
             return std::make_unique<HCaseEntry>( value );
     }
     catch ( const XException& )

@@ -58,7 +58,7 @@ const char* NameOf( PropertyListInput::Format inFormat )
     return kNames[std::size_t( inFormat )];
 }
 
-PropertyListInput ReadAnyPropertyList( std::span<const std::uint8_t> inBytes )
+PropertyListInput ReadAnyPropertyList( std::span<const std::uint8_t> inBytes, const XPlistLimits& inLimits )
 {
     using enum PropertyListInput::Format;
     const auto describe = []( const std::optional<XPlistFault>& inFault ) {
@@ -66,18 +66,19 @@ PropertyListInput ReadAnyPropertyList( std::span<const std::uint8_t> inBytes )
     };
     if ( BeginsAsJSON( inBytes ) )
     {
-        XPlistJSONResult json = ReadPropertyListJSON( inBytes );
+        XPlistJSONResult json = ReadPropertyListJSON( inBytes, inLimits );
         return { std::move( json.mValue ), describe( json.mFault ), std::move( json.mNotes ), kJSON };
     }
-    XPlistReadResult read = ReadPropertyList( inBytes );
+    XPlistReadResult read = ReadPropertyList( inBytes, inLimits );
     return { std::move( read.mValue ), describe( read.mFault ), std::move( read.mNotes ),
         read.mFormat == XPlistFormat::kBinary ? kBinary : kXML };
 }
 
-PropertyListInput ReadPropertyListFile( const FileInput& inInput, const std::string& inPath )
+PropertyListInput ReadPropertyListFile(
+    const FileInput& inInput, const std::string& inPath, const XPlistLimits& inLimits )
 {
     const XBytes bytes = inInput.Read( inPath );
-    PropertyListInput input = ReadAnyPropertyList( bytes.Span() );
+    PropertyListInput input = ReadAnyPropertyList( bytes.Span(), inLimits );
     if ( input.mFault )
     {
         const bool isJSON = input.mFormat == PropertyListInput::Format::kJSON;

@@ -48,7 +48,9 @@ struct PropertyListInput
 [[nodiscard]] const char* NameOf( PropertyListInput::Format inFormat );
 
 /// Reads any of the forms, told apart by their content.
-[[nodiscard]] PropertyListInput ReadAnyPropertyList( std::span<const std::uint8_t> inBytes );
+[[nodiscard]] PropertyListInput ReadAnyPropertyList(
+    std::span<const std::uint8_t> inBytes, const XPlistLimits& inLimits = {} );
 
 /// The value in a file. Throws FileTrouble, also when it is no property list.
-[[nodiscard]] PropertyListInput ReadPropertyListFile( const FileInput& inInput, const std::string& inPath );
+[[nodiscard]] PropertyListInput ReadPropertyListFile(
+    const FileInput& inInput, const std::string& inPath, const XPlistLimits& inLimits = {} );

@@ -1,5 +1,6 @@
 #include "App/MacrosFile.h"
 
+#include "Actions/ActionLimits.h"
 #include "App/Output.h"
 #include "Macros/MMacro.h"
 #include "XCAF/XException.h"
@@ -9,7 +10,7 @@
 
 MacrosFileInput ReadMacrosFile( const FileInput& inInput, const std::string& inPath )
 {
-    PropertyListInput input = ReadPropertyListFile( inInput, inPath );
+    PropertyListInput input = ReadPropertyListFile( inInput, inPath, kActionsPlistLimits );
     const std::optional<MFileKind> kind = FileKindOf( input.mValue );
     if ( not kind )
         throw FileTrouble( fmt::format( "{} is a property list, but holds neither macros nor actions; “korvalen plist "

@@ -107,4 +107,4 @@ struct XPlistWriteResult
 /// `kvr_toXMLString`: the XML form as text; absent when there is none.
 [[nodiscard]] std::optional<Text> kvr_toXMLString( const __SafeCFPropertyList& inValue );
 /// `kvr_fromXMLString:`: null when the text doesn't parse.
-[[nodiscard]] __SafeCFPropertyList kvr_fromXMLString( TextView inText );
+[[nodiscard]] __SafeCFPropertyList kvr_fromXMLString( TextView inText, const XPlistLimits& inLimits = {} );

@@ -364,10 +364,11 @@ XPlistReadResult ReadXMLPropertyList( std::span<const std::uint8_t> inBytes, con
     return result;
 }
 
-__SafeCFPropertyList kvr_fromXMLString( TextView inText )
+__SafeCFPropertyList kvr_fromXMLString( TextView inText, const XPlistLimits& inLimits )
 {
     if ( FindLoneSurrogate( inText ) )
         return {};
     const std::string bytes = UTF8FromText( inText );
-    return ReadXMLPropertyList( { reinterpret_cast<const std::uint8_t*>( bytes.data() ), bytes.size() } ).mValue;
+    return ReadXMLPropertyList( { reinterpret_cast<const std::uint8_t*>( bytes.data() ), bytes.size() }, inLimits )
+        .mValue;
 }

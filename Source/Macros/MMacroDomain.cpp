@@ -1,5 +1,6 @@
 #include "Macros/MMacroDomain.h"
 
+#include "Actions/ActionLimits.h"
 #include "CFMethods/PropertyListCodec.h"
 #include "ClipboardSwitcher/CSClipboardDomain.h"
 #include "KorvalenVersion.h"
@@ -412,7 +413,7 @@ Text MMacroDomain::VersionFromFileData( std::span<const std::uint8_t> inData )
     XAssertText( inData.data() != nullptr, "data" );
     if ( inData.data() == nullptr )
         return kUnknownVersion;
-    const XPlistReadResult properties = ReadPropertyList( inData );
+    const XPlistReadResult properties = ReadPropertyList( inData, kActionsPlistLimits );
     XAssertText( properties.mValue, "properties" );
     const XPlistDictionary* const dictionary = properties.mValue.AsDictionary();
     if ( properties.mValue )

@@ -1,5 +1,6 @@
 #include "Macros/MMacroGroup.h"
 
+#include "Actions/ActionLimits.h"
 #include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVIconRegistry.h"
 #include "Defines/KVPreferences.h"
@@ -242,7 +243,7 @@ std::optional<Text> MMacroGroup::GetAvailableApplicationXML() const
 
 void MMacroGroup::SetAvailableApplicationXML( TextView inText )
 {
-    const __SafeCFPropertyList value = kvr_fromXMLString( inText );
+    const __SafeCFPropertyList value = kvr_fromXMLString( inText, kActionsPlistLimits );
     if ( value.AsDictionary() )
         mTarget.LoadFromPropertyList( value );
 }
@@ -256,7 +257,7 @@ std::optional<Text> MMacroGroup::GetAvailableWindowXML() const
 
 void MMacroGroup::SetAvailableWindowXML( TextView inText )
 {
-    const __SafeCFPropertyList value = kvr_fromXMLString( inText );
+    const __SafeCFPropertyList value = kvr_fromXMLString( inText, kActionsPlistLimits );
     if ( const XPlistDictionary* const dictionary = value.AsDictionary() )
         LoadWindowCondition( *dictionary );
 }
@@ -270,7 +271,7 @@ std::optional<Text> MMacroGroup::GetActivationXML() const
 
 void MMacroGroup::SetActivationXML( TextView inText )
 {
-    const __SafeCFPropertyList value = kvr_fromXMLString( inText );
+    const __SafeCFPropertyList value = kvr_fromXMLString( inText, kActionsPlistLimits );
     if ( const XPlistDictionary* const dictionary = value.AsDictionary() )
         LoadActivationFromDictionary( *dictionary );
 }

@@ -1,4 +1,5 @@
 #include "ActionTestSupport.h"
+#include "Actions/ActionLimits.h"
 
 #include "Actions/HEngineNotificationPoster.h"
 #include "Actions/MacroActions.h"
@@ -244,7 +245,7 @@ TEST( HActionList, WhatIsNestedBeyondTheLimitIsLeftOutAndTheRestStands )
     const auto action = HBaseAction::CreateFromPropertyList( nested );
     int count = 1;
     action->DoForEverySubAction( [&]( HBaseAction& ) { ++count; } );
-    EXPECT_EQ( count, HBaseAction::kMaxDepth );
+    EXPECT_EQ( count, kMostNestedActions );
     EXPECT_EQ( log.CountContaining( "actions are nested more than 1000 deep" ), 1u );
 }
 
