@@ -283,18 +283,56 @@ CFContainer<XPlistArray> XMutableArray::Seal()
 {
     XPlistArray* const array = XPlistMaker::NewArray( mValues.size() );
     const XPlistNode** slot = XPlistMaker::Slots( array );
-    for ( const __SafeCFPropertyList& value : mValues )
-    {
-        value.GetNode()->Retain();
-        *slot++ = value.GetNode();
-    }
+    for ( __SafeCFPropertyList& value : mValues )
+        *slot++ = XPlistMaker::Take( value );
     mValues.clear();
     return CFContainer<XPlistArray>::Adopt( array );
 }
 
+// Dictionaries are built by the hundred thousand, so that the room of one serves the next.
+struct XMutableDictionary::SpareRooms
+{
+    static constexpr std::size_t kMost = 16; // as deep as dictionaries within dictionaries mostly are
+    static constexpr std::size_t kMostSlots = 256;
+    std::vector<std::vector<Slot>> mRooms;
+
+    SpareRooms() { mRooms.reserve( kMost ); }
+    ~SpareRooms() { gHasEnded = true; }
+
+    // Null at the end of a thread, when dictionaries are still made while its objects are destroyed.
+    static SpareRooms* Get()
+    {
+        static thread_local SpareRooms gSpareRooms;
+        return gHasEnded ? nullptr : &gSpareRooms;
+    }
+
+private:
+    static constinit thread_local bool gHasEnded;
+};
+
+constinit thread_local bool XMutableDictionary::SpareRooms::gHasEnded = false;
+
+XMutableDictionary::XMutableDictionary()
+{
+    SpareRooms* const spare = SpareRooms::Get();
+    if ( not spare or spare->mRooms.empty() )
+        return;
+    mSlots.swap( spare->mRooms.back() );
+    spare->mRooms.pop_back();
+}
+
+XMutableDictionary::~XMutableDictionary()
+{
+    mSlots.clear();
+    SpareRooms* const spare = SpareRooms::Get();
+    if ( spare and mSlots.capacity() > 0 and mSlots.capacity() <= SpareRooms::kMostSlots and
+        spare->mRooms.size() < SpareRooms::kMost )
+        spare->mRooms.push_back( std::move( mSlots ) );
+}
+
 void XMutableDictionary::Set( const XKey& inKey, __SafeCFPropertyList inValue )
 {
-    mSlots.push_back( { XPlistString::InternASCII( inKey.Name() ), std::move( inValue ) } );
+    mSlots.push_back( { XPlistString::Intern( inKey ), std::move( inValue ) } );
 }
 
 void XMutableDictionary::Set( const XText& inKey, __SafeCFPropertyList inValue )
@@ -316,13 +354,14 @@ CFContainer<XPlistDictionary> XMutableDictionary::Seal()
     XPlistDictionary* const dictionary = XPlistMaker::NewDictionary( mSlots.size() );
     XPlistDictionary::Entry* entry = XPlistMaker::Entries( dictionary );
     bool anyRemoved = false;
-    for ( const Slot& slot : mSlots )
+    for ( Slot& slot : mSlots )
     {
-        const XPlistNode* const value = slot.mValue ? slot.mValue.GetNode() : gRemoved;
-        anyRemoved |= value == gRemoved;
-        slot.mKey->Retain();
-        value->Retain();
-        *entry++ = { slot.mKey.GetCFRef(), value };
+        if ( not slot.mValue )
+        {
+            slot.mValue = __SafeCFPropertyList( gRemoved );
+            anyRemoved = true;
+        }
+        *entry++ = { XPlistMaker::Take( slot.mKey ), XPlistMaker::Take( slot.mValue ) };
     }
     mSlots.clear();
     XPlistMaker::SortEntries( dictionary );

@@ -27,6 +27,7 @@ enum class XPlistType : std::uint8_t { kString, kNumber, kBoolean, kDate, kData,
 /// The type's word for people: "string", "number", "boolean", "date", "data", "array", "dictionary".
 [[nodiscard]] const char* NameOf( XPlistType inType );
 
+class XKey;
 class XPlistArray;
 class XPlistDictionary;
 class XText;
@@ -62,8 +63,10 @@ protected:
     static constexpr std::uint8_t kRealFlag = 4;     // a number that is a 64-bit float
     static constexpr std::uint8_t kUnsignedFlag = 8; // an integer above the signed 64-bit range
     static constexpr std::uint8_t kAloneFlag = 16;   // a key that the table had no room for
+    static constexpr std::uint8_t kChunkFlag = 32;   // out of a chunk of the node allocator, not the heap
 
     static void Destroy( const XPlistNode* inNode );
+    static void FreeMemory( const XPlistNode* inNode );
     // A key in the table may be found by another thread at any moment, so its last release is
     // decided under the table's lock.
     void ReleaseInterned() const;
@@ -122,6 +125,7 @@ public:
     bool operator==( std::nullptr_t ) const { return mRef == nullptr; }
 
 private:
+    friend struct XPlistMaker;
     const T* mRef = nullptr;
 };
 
@@ -193,6 +197,8 @@ public:
     /// it gives serves by itself: interning that one again gives it back.
     [[nodiscard]] static CFContainer<XPlistString> Intern( CFContainer<XPlistString> inString );
     [[nodiscard]] static CFContainer<XPlistString> InternASCII( std::string_view inASCII );
+    /// The string of a key in code. Each thread remembers those that it used last.
+    [[nodiscard]] static CFContainer<XPlistString> Intern( const XKey& inKey );
 
     /// The key hash; only of strings that were interned.
     [[nodiscard]] std::uint32_t KeyHash() const { return mKeyHash; }
@@ -359,6 +365,7 @@ private:
         return Is( inType ) ? static_cast<const T*>( mNode.GetCFRef() ) : nullptr;
     }
 
+    friend struct XPlistMaker;
     CFContainer<XPlistNode> mNode;
 };
 
@@ -516,6 +523,11 @@ private:
 class XMutableDictionary
 {
 public:
+    XMutableDictionary();
+    ~XMutableDictionary();
+    XMutableDictionary( XMutableDictionary&& ) = default;
+    XMutableDictionary& operator=( XMutableDictionary&& ) = default;
+
     /// Sets or replaces; a null value removes the key.
     void Set( const XKey& inKey, __SafeCFPropertyList inValue );
     void Set( const XText& inKey, __SafeCFPropertyList inValue );
@@ -543,6 +555,7 @@ private:
         CFContainer<XPlistString> mKey;
         __SafeCFPropertyList mValue;
     };
+    struct SpareRooms;
 
     std::vector<Slot> mSlots; // in the order of setting; the last of equal keys counts
 };

@@ -22,6 +22,10 @@ struct XPlistMaker
     static XPlistData* NewData( std::size_t inLength );
     static std::uint8_t* DataBuffer( XPlistData* inData ) { return reinterpret_cast<std::uint8_t*>( inData + 1 ); }
 
+    /// The node, with so many bytes behind it.
+    template<class T, class... Arguments>
+    static T* New( std::size_t inExtra, const Arguments&... inArguments );
+
     /// Every slot has to be given a node, and owns one reference to it.
     static XPlistArray* NewArray( std::size_t inCount );
     static const XPlistNode** Slots( XPlistArray* inArray ) { return inArray->MutableNodes(); }
@@ -55,6 +59,14 @@ struct XPlistMaker
     {
         return inNode->mFlags & ( XPlistNode::kInternedFlag | XPlistNode::kAloneFlag );
     }
+
+    /// Takes the reference out of its holder.
+    template<class T>
+    static const T* Take( CFContainer<T>& ioHolder )
+    {
+        return std::exchange( ioHolder.mRef, nullptr );
+    }
+    static const XPlistNode* Take( __SafeCFPropertyList& ioHolder ) { return Take( ioHolder.mNode ); }
 
     /// A node that nobody holds yet takes another reference, without an atomic operation.
     static void RetainUnshared( const XPlistNode* inNode )

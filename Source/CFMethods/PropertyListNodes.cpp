@@ -1,6 +1,7 @@
 // Layout of a value: the class's own fields, and right behind them in the same allocation the
 // units, bytes, nodes or entries. Destroying is a loop, never a recursion, so that a value of
 // any depth goes without a deep stack. The table of keys stands here as well.
+#include "CFMethods/NodeAllocator.h"
 #include "CFMethods/PropertyListMaker.h"
 
 #include <algorithm>
@@ -10,12 +11,6 @@
 
 namespace
 {
-template<class T>
-void* AllocateNode( std::size_t inExtra )
-{
-    return ::operator new( sizeof( T ) + inExtra );
-}
-
 bool IsAllASCII( TextView inText )
 {
     unsigned all = 0;
@@ -139,7 +134,33 @@ void XPlistNode::ReleaseInterned() const
             return;
     }
     if ( XPlistKeyTable::Get().ReleaseLast( static_cast<const XPlistString*>( this ) ) )
-        ::operator delete( const_cast<XPlistNode*>( this ) );
+        FreeMemory( this );
+}
+
+void XPlistNode::FreeMemory( const XPlistNode* inNode )
+{
+    if ( inNode->mFlags & kChunkFlag )
+        NodeAllocator::Free( inNode );
+    else
+        ::operator delete( const_cast<XPlistNode*>( inNode ) );
+}
+
+template<class T, class... Arguments>
+T* XPlistMaker::New( std::size_t inExtra, const Arguments&... inArguments )
+{
+    constexpr auto kKind =
+        std::is_base_of_v<XPlistContainer, T> ? NodeAllocator::Kind::kContainer : NodeAllocator::Kind::kLeaf;
+    const std::size_t bytes = sizeof( T ) + inExtra;
+    if ( bytes <= NodeAllocator::kMostBytes )
+    {
+        if ( void* const place = NodeAllocator::Allocate( bytes, kKind ) )
+        {
+            T* const node = new ( place ) T( inArguments... );
+            node->mFlags |= XPlistNode::kChunkFlag;
+            return node;
+        }
+    }
+    return new ( ::operator new( bytes ) ) T( inArguments... );
 }
 
 // Containers that lose their last holder wait in a list that is threaded through their own heads:
@@ -149,7 +170,7 @@ void XPlistNode::Destroy( const XPlistNode* inNode )
     const auto isContainer = []( const XPlistNode* node ) { return node->mType >= XPlistType::kArray; };
     if ( not isContainer( inNode ) )
     {
-        ::operator delete( const_cast<XPlistNode*>( inNode ) );
+        FreeMemory( inNode );
         return;
     }
 
@@ -189,57 +210,54 @@ void XPlistNode::Destroy( const XPlistNode* inNode )
                 release( entry.mValue );
             }
         }
-        ::operator delete( const_cast<XPlistContainer*>( container ) );
+        FreeMemory( container );
     }
 }
 
 XPlistString* XPlistMaker::NewASCII( std::size_t inLength )
 {
-    return new ( AllocateNode<XPlistString>( inLength ) ) XPlistString( inLength, 0 );
+    return New<XPlistString>( inLength, inLength, 0 );
 }
 
 XPlistString* XPlistMaker::NewWide( std::size_t inLength )
 {
-    return new ( AllocateNode<XPlistString>( inLength * sizeof( char16_t ) ) )
-        XPlistString( inLength, XPlistNode::kWideFlag );
+    return New<XPlistString>( inLength * sizeof( char16_t ), inLength, XPlistNode::kWideFlag );
 }
 
 XPlistNumber* XPlistMaker::NewInteger( std::int64_t inValue )
 {
-    return new ( AllocateNode<XPlistNumber>( 0 ) ) XPlistNumber( std::uint64_t( inValue ), 0 );
+    return New<XPlistNumber>( 0, std::uint64_t( inValue ), 0 );
 }
 
 XPlistNumber* XPlistMaker::NewUnsigned( std::uint64_t inValue )
 {
     const bool fits = inValue <= std::uint64_t( std::numeric_limits<std::int64_t>::max() );
-    return new ( AllocateNode<XPlistNumber>( 0 ) ) XPlistNumber( inValue, fits ? 0 : XPlistNode::kUnsignedFlag );
+    return New<XPlistNumber>( 0, inValue, fits ? 0 : XPlistNode::kUnsignedFlag );
 }
 
 XPlistNumber* XPlistMaker::NewReal( double inValue )
 {
-    return new ( AllocateNode<XPlistNumber>( 0 ) )
-        XPlistNumber( std::bit_cast<std::uint64_t>( inValue ), XPlistNode::kRealFlag );
+    return New<XPlistNumber>( 0, std::bit_cast<std::uint64_t>( inValue ), XPlistNode::kRealFlag );
 }
 
 XPlistDate* XPlistMaker::NewDate( double inSeconds )
 {
-    return new ( AllocateNode<XPlistDate>( 0 ) ) XPlistDate( inSeconds );
+    return New<XPlistDate>( 0, inSeconds );
 }
 
 XPlistData* XPlistMaker::NewData( std::size_t inLength )
 {
-    return new ( AllocateNode<XPlistData>( inLength ) ) XPlistData( inLength );
+    return New<XPlistData>( inLength, inLength );
 }
 
 XPlistArray* XPlistMaker::NewArray( std::size_t inCount )
 {
-    return new ( AllocateNode<XPlistArray>( inCount * sizeof( XPlistNode* ) ) ) XPlistArray( inCount );
+    return New<XPlistArray>( inCount * sizeof( XPlistNode* ), inCount );
 }
 
 XPlistDictionary* XPlistMaker::NewDictionary( std::size_t inCount )
 {
-    return new ( AllocateNode<XPlistDictionary>( inCount * sizeof( XPlistDictionary::Entry ) ) )
-        XPlistDictionary( inCount );
+    return New<XPlistDictionary>( inCount * sizeof( XPlistDictionary::Entry ), inCount );
 }
 
 std::size_t XPlistMaker::SortEntries(
@@ -255,6 +273,9 @@ std::size_t XPlistMaker::SortEntries(
             if ( x != inRanks->end() and y != inRanks->end() )
                 return x->second < y->second ? -1 : x->second > y->second ? 1 : 0;
         }
+        // Most keys differ in their first letter already.
+        if ( a.mKey->GetLength() > 0 and b.mKey->GetLength() > 0 and a.mKey->UnitAt( 0 ) != b.mKey->UnitAt( 0 ) )
+            return a.mKey->UnitAt( 0 ) < b.mKey->UnitAt( 0 ) ? -1 : 1;
         return a.mKey->Compare( *b.mKey );
     };
     const std::span<Entry> entries( inDictionary->MutableEntries(), inDictionary->GetCount() );
@@ -368,6 +389,41 @@ CFContainer<XPlistString> XPlistString::InternASCII( std::string_view inASCII )
         [inASCII] { return MakeASCII( inASCII ); } );
 }
 
+namespace
+{
+// Keys of code are few and come again and again. What is remembered is held, so at most so many stay. Bare
+// pointers, as keys are still asked for while the objects of a thread or the program are destroyed.
+constexpr std::size_t kRememberedKeys = 1024;
+constinit thread_local const XPlistString* gRemembered[kRememberedKeys] = {};
+
+struct ForgetAtThreadEnd
+{
+    ~ForgetAtThreadEnd()
+    {
+        for ( const XPlistString*& remembered : gRemembered )
+        {
+            if ( const XPlistString* const key = std::exchange( remembered, nullptr ) )
+                key->Release();
+        }
+    }
+};
+} // namespace
+
+CFContainer<XPlistString> XPlistString::Intern( const XKey& inKey )
+{
+    const XPlistString*& remembered = gRemembered[( inKey.Hash() ^ inKey.Hash() >> 15 ) % kRememberedKeys];
+    if ( not remembered or remembered->mKeyHash != inKey.Hash() or not remembered->Equals( inKey.Name() ) )
+    {
+        static thread_local const ForgetAtThreadEnd gForget;
+        static_cast<void>( &gForget );
+        CFContainer<XPlistString> key = InternASCII( inKey.Name() );
+        if ( remembered )
+            remembered->Release();
+        remembered = XPlistMaker::Take( key );
+    }
+    return CFContainer<XPlistString>::Share( remembered );
+}
+
 CFContainer<XPlistNumber> XPlistNumber::Make( std::int64_t inValue )
 {
     static XPlistNumber* const* const gShared = [] {
@@ -393,8 +449,8 @@ CFContainer<XPlistNumber> XPlistNumber::MakeReal( double inValue )
 
 CFContainer<XPlistBoolean> XPlistBoolean::Make( bool inValue )
 {
-    static const XPlistBoolean* const gFalse = new ( AllocateNode<XPlistBoolean>( 0 ) ) XPlistBoolean( false );
-    static const XPlistBoolean* const gTrue = new ( AllocateNode<XPlistBoolean>( 0 ) ) XPlistBoolean( true );
+    static const XPlistBoolean* const gFalse = new XPlistBoolean( false );
+    static const XPlistBoolean* const gTrue = new XPlistBoolean( true );
     return CFContainer<XPlistBoolean>::Share( inValue ? gTrue : gFalse );
 }
 

@@ -18,7 +18,7 @@ MMacro::MMacro() : mActions( std::make_shared<HActionList>() ) {}
 
 MMacro::MMacro( const __SafeCFPropertyList& inValue ) : MMacro()
 {
-    MMacro::LoadFromPropertyList( inValue );
+    Fill( inValue );
 }
 
 MMacro::~MMacro() = default;
@@ -140,8 +140,13 @@ __SafeCFPropertyList MMacro::CopyToPropertyList() const
 
 void MMacro::LoadFromPropertyList( const __SafeCFPropertyList& inValue )
 {
-    XAssert( MMacroInsertion::CurrentlyInserting() );
     DestroyAll();
+    Fill( inValue );
+}
+
+void MMacro::Fill( const __SafeCFPropertyList& inValue )
+{
+    XAssert( MMacroInsertion::CurrentlyInserting() );
     const XPlistDictionary* const dictionary = inValue.AsDictionary();
     XThrowIfNot( dictionary && dictionary->IsCorrectTypeID() );
 

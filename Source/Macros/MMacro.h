@@ -80,6 +80,8 @@ public:
 
 private:
     void DestroyAll();
+    /// Of a macro as a constructor leaves it.
+    void Fill( const __SafeCFPropertyList& inValue );
     void LoadTriggers( const XPlistArray& inTriggers );
     [[nodiscard]] Text ComputedName() const;
 

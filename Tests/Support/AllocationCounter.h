@@ -3,6 +3,8 @@
 // sanitizers bring operators of their own: under them nothing is counted, and tests ask kWorks.
 #pragma once
 
+#include "CFMethods/NodeAllocator.h"
+
 #include <cstddef>
 
 #if defined( __SANITIZE_ADDRESS__ ) or defined( __SANITIZE_THREAD__ )
@@ -37,4 +39,7 @@ public:
     /// The allocation after so many more throws std::bad_alloc, and all later ones too if asked.
     void FailAfter( std::size_t inAllocations, bool inForGood = false );
     void StopFailing();
+
+private:
+    const NodeAllocator::HeapForTesting mHeap; // or the nodes of values wouldn't be seen
 };

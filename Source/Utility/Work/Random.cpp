@@ -1,17 +1,40 @@
 #include "Utility/Work/Random.h"
 
+#include <iterator>
 #include <mutex>
-#include <random>
+#include <pthread.h>
+#include <stdexcept>
+#include <sys/random.h>
 
 namespace
 {
+// The system's own random bits, taken by the dozen: a call for each would be most of what making a macro costs.
 class SystemRandom final : public XRandom
 {
 public:
-    [[nodiscard]] std::uint64_t Next() override { return ( std::uint64_t( mDevice() ) << 32 ) | mDevice(); }
+    SystemRandom()
+    {
+        // Or parent and child would draw the same from here on.
+        ::pthread_atfork( nullptr, nullptr, [] { gLeft = 0; } );
+    }
+    [[nodiscard]] std::uint64_t Next() override
+    {
+        if ( gLeft == 0 )
+            Fill();
+        return mBits[--gLeft];
+    }
 
 private:
-    std::random_device mDevice;
+    void Fill()
+    {
+        static_assert( sizeof( mBits ) <= 256 ); // the most that one call gives
+        if ( ::getentropy( mBits, sizeof( mBits ) ) != 0 )
+            throw std::runtime_error( "the system has no random numbers to give" );
+        gLeft = std::size( mBits );
+    }
+
+    static inline std::size_t gLeft = 0;
+    std::uint64_t mBits[32];
 };
 
 std::mutex gMutex;
