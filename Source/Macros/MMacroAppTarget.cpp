@@ -1,5 +1,6 @@
 #include "Macros/MMacroAppTarget.h"
 
+#include "Actions/HFieldVisitors.h"
 #include "Macros/MLoadObserver.h"
 #include "Macros/StoredNames.h"
 #include "Utility/Search/StringSearchee.h"
@@ -116,7 +117,8 @@ void MFrontWindowCondition::LoadFromDictionary( const XPlistDictionary& inDictio
     const XKey& inTitleKey, FrontWindowConditionType inType )
 {
     XAssert( ValidDefault( inType ) );
-    mType = GetStoredEnumerator( inDictionary, inTypeKey, kFrontWindowConditionTypeNames, inType );
+    HReadingVisitor visitor( inDictionary );
+    visitor.Name( HFieldKey( inTypeKey ), mType, { .mWhenMissing = inType } );
     mTitle = u"";
     if ( NeedsFrontWindowTitle() )
         (void)inDictionary.Get( inTitleKey, mTitle );
@@ -127,7 +129,7 @@ void MFrontWindowCondition::SaveToDictionary( XMutableDictionary& ioDictionary, 
 {
     XAssert( ValidDefault( inType ) );
     if ( mType != inType )
-        ioDictionary.Set( inTypeKey, StoredName( kFrontWindowConditionTypeNames, mType ) );
+        ioDictionary.SetText( inTypeKey, StoredName( mType ) );
     if ( NeedsFrontWindowTitle() )
         ioDictionary.SetText( inTitleKey, mTitle );
 }
@@ -141,7 +143,5 @@ int MFrontWindowCondition::CompareWithSame( const MFrontWindowCondition& inOther
 
 Text MFrontWindowCondition::GetDescription() const
 {
-    return kvr_localizedFormat(
-        u"MacroGroupFrontWindowCondition_" + TextFromASCII( kFrontWindowConditionTypeNames[std::size_t( mType )] ),
-        mTitle );
+    return kvr_localizedFormat( u"MacroGroupFrontWindowCondition_" + Text( StoredName( mType ) ), mTitle );
 }

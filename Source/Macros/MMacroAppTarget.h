@@ -62,12 +62,16 @@ enum class FrontWindowConditionType {
     kExistsButIsNotFullScreen,
 };
 
-inline constexpr std::string_view kFrontWindowConditionTypeNames[] = { "Always", "Exists", "DoesNotExist", "TitleIs",
-    "TitleIsNot", "ExistsButTitleIsNot", "TitleContains", "TitleDoesNotContain", "ExistsButTitleDoesNotContain",
-    "TitleMatches", "TitleDoesNotMatch", "ExistsButTitleDoesNotMatch", "IsFullScreen", "IsNotFullScreen",
-    "ExistsButIsNotFullScreen" };
+inline constexpr TextView kFrontWindowConditionTypeNames[] = { u"Always", u"Exists", u"DoesNotExist", u"TitleIs",
+    u"TitleIsNot", u"ExistsButTitleIsNot", u"TitleContains", u"TitleDoesNotContain", u"ExistsButTitleDoesNotContain",
+    u"TitleMatches", u"TitleDoesNotMatch", u"ExistsButTitleDoesNotMatch", u"IsFullScreen", u"IsNotFullScreen",
+    u"ExistsButIsNotFullScreen" };
 static_assert( std::size( kFrontWindowConditionTypeNames ) ==
     std::size_t( FrontWindowConditionType::kExistsButIsNotFullScreen ) + 1 );
+constexpr auto NamesOf( FrontWindowConditionType )
+{
+    return std::span( kFrontWindowConditionTypeNames );
+}
 
 class MFrontWindowCondition
 {

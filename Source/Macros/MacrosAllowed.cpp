@@ -1,5 +1,6 @@
 #include "Macros/MacrosAllowed.h"
 
+#include "Actions/HFieldVisitors.h"
 #include "Macros/MMacroSerializedObject.h"
 #include "Macros/StoredNames.h"
 #include "Macros/XTextHash.h"
@@ -7,30 +8,50 @@
 
 #include <unordered_set>
 
+namespace
+{
+__SafeCFPropertyList EachOnce( const std::vector<XText>& inUIDs )
+{
+    XMutableArray uids;
+    std::unordered_set<XText, XTextHash> seen;
+    for ( const XText& uid : inUIDs )
+    {
+        if ( seen.insert( uid ).second )
+            uids.Append( uid );
+    }
+    return uids.GetCount() > 0 ? __SafeCFPropertyList( uids.Seal() ) : nullptr;
+}
+} // namespace
+
+void MacrosAllowed::DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTypeKey, HFieldKey inUIDsKey )
+{
+    if ( StringSearchee* searchee = inVisitor.Searchee() )
+    {
+        AddMatchStrings( *searchee );
+        return;
+    }
+    inVisitor.NameUnless( inTypeKey, mType, MacrosAllowedType::kNormal );
+    __SafeCFPropertyList uids = inVisitor.IsReading() ? nullptr : EachOnce( mUIDs );
+    inVisitor.Value( inUIDsKey, uids );
+    if ( not inVisitor.IsReading() )
+        return;
+    if ( uids and not uids.AsArray() )
+        inVisitor.NoteRepair( inUIDsKey, u"isn't an array; no macros stand" );
+    mUIDs = uids.AsArray() ? TextsOf( *uids.AsArray() ) : std::vector<XText>();
+}
+
 void MacrosAllowed::LoadFromDictionary(
     const XPlistDictionary& inDictionary, const XKey& inTypeKey, const XKey& inUIDsKey )
 {
-    mType = GetStoredEnumerator<MacrosAllowedType>( inDictionary, inTypeKey, kMacrosAllowedTypeNames );
-    mUIDs.clear();
-    CFContainer<XPlistArray> uids;
-    if ( inDictionary.Get( inUIDsKey, uids ) )
-        mUIDs = TextsOf( *uids );
+    HReadingVisitor visitor( inDictionary );
+    DescribeFields( visitor, HFieldKey( inTypeKey ), HFieldKey( inUIDsKey ) );
 }
 
 void MacrosAllowed::SaveToDictionary(
     XMutableDictionary& ioDictionary, const XKey& inTypeKey, const XKey& inUIDsKey ) const
 {
-    if ( mType != MacrosAllowedType::kNormal )
-        ioDictionary.Set( inTypeKey, StoredName( kMacrosAllowedTypeNames, mType ) );
-    XMutableArray uids;
-    std::unordered_set<XText, XTextHash> seen;
-    for ( const XText& uid : mUIDs )
-    {
-        if ( seen.insert( uid ).second )
-            uids.Append( uid );
-    }
-    if ( uids.GetCount() > 0 )
-        ioDictionary.Set( inUIDsKey, uids.Seal() );
+    HSavingVisitor visitor( ioDictionary ); // writes to no member
+    const_cast<MacrosAllowed*>( this )->DescribeFields( visitor, HFieldKey( inTypeKey ), HFieldKey( inUIDsKey ) );
 }
 
 void MacrosAllowed::AddMatchStrings( StringSearchee& ioSearchee ) const

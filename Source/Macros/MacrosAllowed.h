@@ -1,17 +1,20 @@
 // An allow-list of macros and groups, held by actions that offer macros to choose from. Main thread.
 #pragma once
 
-#include "CFMethods/PropertyList.h"
+#include "Actions/HFieldVisitor.h"
 
-#include <string_view>
 #include <vector>
 
 class StringSearchee;
 
 enum class MacrosAllowedType { kNormal, kIncludeInactive, kIncludeDisabled };
 
-inline constexpr std::string_view kMacrosAllowedTypeNames[] = { "Normal", "IncludeInactive", "IncludeDisabled" };
+inline constexpr TextView kMacrosAllowedTypeNames[] = { u"Normal", u"IncludeInactive", u"IncludeDisabled" };
 static_assert( std::size( kMacrosAllowedTypeNames ) == std::size_t( MacrosAllowedType::kIncludeDisabled ) + 1 );
+constexpr auto NamesOf( MacrosAllowedType )
+{
+    return std::span( kMacrosAllowedTypeNames );
+}
 
 class MacrosAllowed
 {
@@ -21,6 +24,8 @@ public:
     [[nodiscard]] const std::vector<XText>& GetUIDs() const { return mUIDs; }
     void SetUIDs( std::vector<XText> inUIDs ) { mUIDs = std::move( inUIDs ); }
 
+    /// As fields of an action: what the two functions below read and write.
+    void DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTypeKey, HFieldKey inUIDsKey );
     /// A missing array is the empty one; elements that are no strings are left out.
     void LoadFromDictionary( const XPlistDictionary& inDictionary, const XKey& inTypeKey, const XKey& inUIDsKey );
     /// The type unless Normal; the array unless empty, each UID once, first occurrences in order.

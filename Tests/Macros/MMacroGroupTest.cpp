@@ -99,16 +99,17 @@ TEST_F( MacroGroup, EachNameOfAnEnumerationComesBack )
             value );
     }
     std::size_t withTitle = 0;
-    for ( const std::string_view name : kFrontWindowConditionTypeNames )
+    for ( const TextView name : kFrontWindowConditionTypeNames )
     {
-        const auto value = Str( TextFromASCII( name ) );
+        const auto value = Str( name );
         const auto saved =
             LoadedGroup( GroupWith( u"G", {},
                              { { "FocussedWindowConditionType", value }, { "FocussedWindowTitle", Str( u"T" ) } } ) )
                 ->CopyToPropertyList();
-        EXPECT_EQ( Shown( At( saved, "FocussedWindowConditionType" ) ), Shown( name == "Always" ? nullptr : value ) );
-        const bool needsTitle = name.find( "Title" ) != std::string_view::npos;
-        EXPECT_EQ( Shown( At( saved, "FocussedWindowTitle" ) ), Shown( needsTitle ? Str( u"T" ) : nullptr ) ) << name;
+        EXPECT_EQ( Shown( At( saved, "FocussedWindowConditionType" ) ), Shown( name == u"Always" ? nullptr : value ) );
+        const bool needsTitle = name.find( u"Title" ) != TextView::npos;
+        EXPECT_EQ( Shown( At( saved, "FocussedWindowTitle" ) ), Shown( needsTitle ? Str( u"T" ) : nullptr ) )
+            << UTF8FromText( name );
         withTitle += needsTitle;
     }
     EXPECT_EQ( withTitle, 9u );

@@ -96,6 +96,7 @@ private:
     {
         return Str( TextFromASCII( inNames[Below( inNames.size() )] ) );
     }
+    __SafeCFPropertyList NameOf( std::span<const TextView> inNames ) { return Str( inNames[Below( inNames.size() )] ); }
 
     void Base( XMutableDictionary& ioObject )
     {
