@@ -3,7 +3,13 @@
 namespace
 {
 constexpr std::size_t kExcerptLength = 60;
+
+void ReplaceAll( Text& ioText, TextView inWhat, TextView inWith )
+{
+    for ( std::size_t at = 0; ( at = ioText.find( inWhat, at ) ) != Text::npos; at += inWith.size() )
+        ioText.replace( at, inWhat.size(), inWith );
 }
+} // namespace
 
 Text kvr_excerpt( const XText& inText )
 {
@@ -33,4 +39,15 @@ Text kvr_fileName( const XText& inPath )
         return path;
     const std::size_t slash = path.find_last_of( u'/', end );
     return path.substr( slash == Text::npos ? 0 : slash + 1, end - ( slash == Text::npos ? 0 : slash + 1 ) + 1 );
+}
+
+Text kvr_wikiName( Text inTitle )
+{
+    ReplaceAll( inTitle, u",", u" " );
+    ReplaceAll( inTitle, u"/", u" or " );
+    // Twice, as four blanks can come of the two steps before.
+    ReplaceAll( inTitle, u"  ", u" " );
+    ReplaceAll( inTitle, u"  ", u" " );
+    ReplaceAll( inTitle, u" ", u"_" );
+    return inTitle;
 }

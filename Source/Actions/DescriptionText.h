@@ -7,3 +7,5 @@
 [[nodiscard]] Text kvr_excerpt( const XText& inText );
 /// The last component of a path; the path itself when it has none.
 [[nodiscard]] Text kvr_fileName( const XText& inPath );
+/// The name of the page that the help has under a title: "Cut, Copy/Paste" is at "Cut_Copy_or_Paste".
+[[nodiscard]] Text kvr_wikiName( Text inTitle );

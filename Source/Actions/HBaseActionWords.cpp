@@ -1,6 +1,7 @@
 // What people see of any action: its titles, descriptions, help page and icons, and what a search finds.
 #include "Actions/HBaseAction.h"
 
+#include "Actions/DescriptionText.h"
 #include "Actions/HFieldVisitors.h"
 #include "Defines/KVIconRegistry.h"
 #include "Utility/Search/StringSearchee.h"
@@ -8,15 +9,6 @@
 #include "Utility/Text/Localization.h"
 #include "Utility/Text/URLFields.h"
 #include "XCAF/XErrorHandler.h"
-
-namespace
-{
-void ReplaceAll( Text& ioText, TextView inWhat, TextView inWith )
-{
-    for ( std::size_t at = 0; ( at = ioText.find( inWhat, at ) ) != Text::npos; at += inWith.size() )
-        ioText.replace( at, inWhat.size(), inWith );
-}
-} // namespace
 
 Text kHotKeyActionName( HActionType inType )
 {
@@ -104,14 +96,7 @@ std::vector<Text> HBaseAction::ActionCouldBeRegExStrings() const
 
 Text HBaseAction::WikiName() const
 {
-    Text name = GetWikiActionTitle();
-    ReplaceAll( name, u",", u" " );
-    ReplaceAll( name, u"/", u" or " );
-    // Twice, as four blanks can come of the two steps before.
-    ReplaceAll( name, u"  ", u" " );
-    ReplaceAll( name, u"  ", u" " );
-    ReplaceAll( name, u" ", u"_" );
-    return name;
+    return kvr_wikiName( GetWikiActionTitle() );
 }
 
 Text HBaseAction::WikiURL() const
