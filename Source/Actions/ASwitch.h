@@ -16,6 +16,7 @@ public:
     /// With two branches there is something to keep, even when neither has actions.
     [[nodiscard]] bool IsEmptyOfActions() const override;
     void DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const override;
+    void UpdateToDefaultValues( bool inFlag ) override { mSource.UpdateToDefaultValues( inFlag ); }
     void AddMatchStrings( StringSearchee& ioSearchee ) const override;
     [[nodiscard]] std::vector<Text> ActionCouldBeRegExStrings() const override;
 

@@ -1,8 +1,9 @@
-// What actions that hold one list of actions share.
+// What actions share that hold one list of actions, or conditions.
 #pragma once
 
 #include "Actions/HAppleScriptActionList.h"
 #include "Actions/HBaseAction.h"
+#include "Conditions/CConditionList.h"
 
 class HOneListAction : public HBaseAction, public HAppleScriptActionList
 {
@@ -28,4 +29,16 @@ class HLoopAction : public HOneListAction
 public:
     [[nodiscard]] bool IsLoop() const override { return true; }
     [[nodiscard]] std::vector<Text> GetAddActionByNameExtraSearchString() const override { return { u"loop" }; }
+};
+
+/// One that is decided by conditions.
+template<class Base>
+class HConditionalAction : public Base
+{
+public:
+    void UpdateToDefaultValues( bool inFlag ) override { mConditions.UpdateToDefaultValues( inFlag ); }
+    [[nodiscard]] CConditionList& GetConditions() { return mConditions; }
+
+protected:
+    CConditionList mConditions;
 };

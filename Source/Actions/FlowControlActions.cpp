@@ -27,7 +27,7 @@ Text ConditionalDescription( const CConditionList& inConditions, TextView inEmpt
 {
     if ( inConditions.Empty() )
         return kvr_localized( inEmptyKey );
-    return kvr_localizedFormat( inFormatKey, TextView( inConditions.GetConditionDisplayText() ) );
+    return kvr_localizedFormat( inFormatKey, TextView( inConditions.GetDescription() ) );
 }
 } // namespace
 
@@ -52,7 +52,7 @@ void HOneListAction::DescribeActions( HFieldVisitor& inVisitor )
 
 void AIfThenElse::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    mConditions.DescribeIn( inVisitor );
     inVisitor.Actions( "ThenActions", "ThenActionListDisclosed", mThenActions );
     inVisitor.Actions( "ElseActions", "ElseActionListDisclosed", mElseActions );
 }
@@ -77,7 +77,7 @@ Text AIfThenElse::InternalGetActionDescriptionString() const
 
 void AWhile::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    mConditions.DescribeIn( inVisitor );
     DescribeActions( inVisitor );
 }
 
@@ -88,7 +88,7 @@ Text AWhile::InternalGetActionDescriptionString() const
 
 void AUntil::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    mConditions.DescribeIn( inVisitor );
     DescribeActions( inVisitor );
 }
 
@@ -97,7 +97,7 @@ Text AUntil::InternalGetActionDescriptionString() const
     if ( mConditions.Empty() )
         return kvr_localized( IsEmptyOfActions() ? u"kvUntilNothingTitle" : u"kvUntilNoConditionsTitle" );
     return kvr_format(
-        "%@ %@", TextView( kvr_localized( u"kvUntilTitle" ) ), TextView( mConditions.GetConditionDisplayText() ) );
+        "%@ %@", TextView( kvr_localized( u"kvUntilTitle" ) ), TextView( mConditions.GetDescription() ) );
 }
 
 void ARepeat::DescribeFields( HFieldVisitor& inVisitor )
@@ -154,7 +154,7 @@ Text AGroup::InternalGetActionDescriptionString() const
 
 void AAssert::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    mConditions.DescribeIn( inVisitor );
 }
 
 Text AAssert::InternalGetActionDescriptionString() const
@@ -164,7 +164,7 @@ Text AAssert::InternalGetActionDescriptionString() const
 
 void APauseUntil::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Converted( "Conditions", mConditions, { .mRequiredAs = "conditions" } );
+    mConditions.DescribeIn( inVisitor );
 }
 
 Text APauseUntil::InternalGetActionDescriptionString() const

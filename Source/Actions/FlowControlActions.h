@@ -4,9 +4,8 @@
 #include "Actions/ActionContainers.h"
 #include "Actions/SharedText.h"
 #include "Collections/CCollectionList.h"
-#include "Conditions/CConditionList.h"
 
-class AIfThenElse final : public HActionOf<AIfThenElse, HActionType::kIfThenElse>
+class AIfThenElse final : public HActionOf<AIfThenElse, HActionType::kIfThenElse, HConditionalAction<HBaseAction>>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
@@ -18,40 +17,30 @@ public:
     [[nodiscard]] HActionList& AppleScriptGetElseActionList() const { return mElseActions.GetList(); }
     [[nodiscard]] std::shared_ptr<HActionList> GetThenActionList() const { return mThenActions.GetShared(); }
     [[nodiscard]] std::shared_ptr<HActionList> GetElseActionList() const { return mElseActions.GetShared(); }
-    [[nodiscard]] CConditionList& GetConditions() { return mConditions; }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
 
 private:
-    CConditionList mConditions;
     HActions mThenActions, mElseActions;
 };
 
-class AWhile final : public HActionOf<AWhile, HActionType::kWhile, HLoopAction>
+class AWhile final : public HActionOf<AWhile, HActionType::kWhile, HConditionalAction<HLoopAction>>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    [[nodiscard]] CConditionList& GetConditions() { return mConditions; }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
-
-private:
-    CConditionList mConditions;
 };
 
-class AUntil final : public HActionOf<AUntil, HActionType::kUntil, HLoopAction>
+class AUntil final : public HActionOf<AUntil, HActionType::kUntil, HConditionalAction<HLoopAction>>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    [[nodiscard]] CConditionList& GetConditions() { return mConditions; }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
-
-private:
-    CConditionList mConditions;
 };
 
 class ARepeat final : public HActionOf<ARepeat, HActionType::kRepeat, HLoopAction>
@@ -95,28 +84,22 @@ protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
 };
 
-class AAssert final : public HActionOf<AAssert, HActionType::kAssert>
+class AAssert final : public HActionOf<AAssert, HActionType::kAssert, HConditionalAction<HBaseAction>>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
-
-private:
-    CConditionList mConditions;
 };
 
-class APauseUntil final : public HActionOf<APauseUntil, HActionType::kPauseUntil>
+class APauseUntil final : public HActionOf<APauseUntil, HActionType::kPauseUntil, HConditionalAction<HBaseAction>>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
-
-private:
-    CConditionList mConditions;
 };
 
 enum class CancelAction {

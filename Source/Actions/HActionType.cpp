@@ -43,7 +43,7 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kDontRotateStatusMenu, "DontRotateStatusMenu", 0, HFailure::kNever, MakeStored },
     { HActionType::kTypedStringDuplicatePalette, "TypedStringDuplicatePalette", 0, HFailure::kNever, MakeStored },
     { HActionType::kSearch, "Search", 180, HFailure::kNever, MakeStored },
-    { HActionType::kTriggerByName, "TriggerByName", 180, HFailure::kNever, MakeStored },
+    { HActionType::kTriggerByName, "TriggerByName", 180, HFailure::kNever, Make<ATriggerByName> },
     { HActionType::kShowPaletteOfMacros, "ShowPaletteOfMacros", 356400, HFailure::kNever, MakeStored },
     { HActionType::kGetTouchBarSelection, "GetTouchBarSelection", 60, HFailure::kNever, MakeStored },
     { HActionType::kOCRImage, "OCRImage", 60, HFailure::kNever, MakeStored },

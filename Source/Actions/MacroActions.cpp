@@ -1,5 +1,6 @@
 #include "Actions/MacroActions.h"
 
+#include "Actions/DescriptionText.h"
 #include "Macros/MMacroInsertion.h"
 #include "Macros/MMacroSerializedObject.h"
 #include "Utility/Text/Localization.h"
@@ -32,4 +33,17 @@ Text AExecuteMacro::InternalGetActionDescriptionString() const
     const MMacroSerializedObject* macro = MMacroSerializedObject::FindObjectByUID( mMacroUID );
     const Text name = macro ? macro->GetUnambiguousName() : MMacroSerializedObject::GetUnknownUnambiguousName();
     return kvr_localizedFormat( key, TextView( name ), TextView( mParameter.GetText() ) );
+}
+
+void ATriggerByName::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Text( "InitialSearch", mInitialSearch );
+    mAllowed.DescribeFields( inVisitor, "Allowed", "Macros" );
+}
+
+Text ATriggerByName::InternalGetActionDescriptionString() const
+{
+    if ( mInitialSearch.IsEmpty() )
+        return GetActionTitle();
+    return kvr_localizedFormat( u"kvTriggerByNameDescriptionFormat", TextView( kvr_excerpt( mInitialSearch ) ) );
 }

@@ -3,6 +3,7 @@
 
 #include "Actions/HBaseAction.h"
 #include "Actions/SharedText.h"
+#include "Macros/MacrosAllowed.h"
 
 class AExecuteMacro final : public HActionOf<AExecuteMacro, HActionType::kExecuteMacro>
 {
@@ -24,4 +25,19 @@ private:
     bool mUseParameter = false;
     XText mParameter = SharedText<u"">();
     bool mAsynchronously = false;
+};
+
+/// Asks for a macro by its name, and triggers it.
+class ATriggerByName final : public HActionOf<ATriggerByName, HActionType::kTriggerByName>
+{
+public:
+    void DescribeFields( HFieldVisitor& inVisitor ) override;
+    [[nodiscard]] MacrosAllowed& GetMacrosAllowed() { return mAllowed; }
+
+protected:
+    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+
+private:
+    XText mInitialSearch = SharedText<u"">();
+    MacrosAllowed mAllowed;
 };

@@ -1,12 +1,13 @@
-// What decides a flow-control action: conditions and how many of them must hold. The conditions
-// themselves are kept as the file has them until their classes are written, so that whatever is read is
-// written back as it stood. A value of the main thread.
+// What decides a flow-control action: conditions, and how many of them must hold. A value, which owns its conditions
+// and clones them when it is copied. Main thread.
 #pragma once
 
-#include "CFMethods/PropertyList.h"
+#include "CFMethods/ClonePtr.h"
+#include "Conditions/CBaseCondition.h"
 
 #include <iterator>
 #include <span>
+#include <vector>
 
 enum class ConditionListMatch : std::int32_t { kAny, kAll, kNone, kNotAll };
 inline constexpr TextView kConditionListMatchNames[] = { u"Any", u"All", u"None", u"NotAll" };
@@ -19,19 +20,42 @@ constexpr auto NamesOf( ConditionListMatch )
 class CConditionList
 {
 public:
-    /// No conditions, of which all must hold.
-    CConditionList();
+    /// As a required field of its holder, under "Conditions". What a search can find is that of each condition.
+    void DescribeIn( HFieldVisitor& inVisitor );
+    /// A value that is no dictionary leaves no conditions, of which all must hold. A condition that can't be understood
+    /// is left out, and no log line speaks of it.
+    void LoadFromPropertyList( const __SafeCFPropertyList& inValue );
+    [[nodiscard]] CFContainer<XPlistDictionary> CopyToPropertyList() const;
 
-    void LoadFromPropertyList( const __SafeCFPropertyList& inValue ) { mValue = inValue; }
-    [[nodiscard]] __SafeCFPropertyList CopyToPropertyList() const { return mValue; }
+    [[nodiscard]] std::size_t GetCount() const { return mConditions.size(); }
+    [[nodiscard]] bool Empty() const { return mConditions.empty(); }
+    [[nodiscard]] ConditionListMatch GetMatch() const { return mMatch; }
+    void SetMatch( ConditionListMatch inMatch ) { mMatch = inMatch; }
 
-    [[nodiscard]] std::size_t GetCount() const;
-    [[nodiscard]] bool Empty() const { return GetCount() == 0; }
-    /// All, unless the list says otherwise.
-    [[nodiscard]] ConditionListMatch GetMatch() const;
+    // An index that is none, or no condition, is asserted, and nothing happens.
+    [[nodiscard]] CBaseCondition* GetConditionAtIndex( std::size_t inIndex ) const;
+    /// The condition that stood there is freed.
+    void SetConditionAtIndex( std::size_t inIndex, std::unique_ptr<CBaseCondition> inCondition );
+    void AppendCondition( std::unique_ptr<CBaseCondition> inCondition );
+    void RemoveConditionAtIndex( std::size_t inIndex );
+
     /// The localised title of the match mode.
     [[nodiscard]] Text GetConditionDisplayText() const;
+    /// For each condition a dictionary of "description", "icon" and, for one that holds an image, "extraicon": the last
+    /// two in the form that icons are saved in.
+    [[nodiscard]] CFContainer<XPlistArray> GetConditionDisplayContent() const;
+    /// The conditions in words, to stand behind "If" or "While": the only one itself, or the title of the match
+    /// mode and each of them. "" without any.
+    [[nodiscard]] Text GetDescription() const;
+
+    // Handed on to each condition, in order.
+    void UpdateToDefaultValues( bool inForce );
+    void AddMatchStrings( StringSearchee& ioSearchee ) const;
 
 private:
-    __SafeCFPropertyList mValue; // never null
+    void LoadConditions( const XPlistArray& inConditions );
+    [[nodiscard]] bool IsIndex( std::size_t inIndex ) const;
+
+    std::vector<ClonePtr<CBaseCondition>> mConditions;
+    ConditionListMatch mMatch = ConditionListMatch::kAll;
 };

@@ -56,6 +56,9 @@ constexpr auto NamesOf( GenericConditionType )
 /// What stands before the operator in a description.
 enum class GenericConditionAddText : std::int32_t { kNothing, kText, kResult };
 
+/// Where a text comes from; Actions/ActionFieldParts.h.
+enum class ActionTextSourceType : std::int32_t;
+
 class GenericCondition
 {
 public:
@@ -64,9 +67,20 @@ public:
     [[nodiscard]] constexpr GenericConditionType GetType() const { return mType; }
     [[nodiscard]] bool RequiresValue() const;
     [[nodiscard]] bool RequiresStatus() const { return mType == GenericConditionType::kReturnsStatus; }
+    /// Is the operator offered for texts from such a source? Asking for one that no source has, or for a source that
+    /// is none, is asserted.
+    [[nodiscard]] static bool AppliesTo( GenericCondition inCondition, ActionTextSourceType inSource );
+
+    /// By name.
+    void SaveToDictionary( XMutableDictionary& ioDictionary, const XKey& inKey ) const;
+    /// The default for a value that is absent or no name.
+    void LoadFromDictionary( const XPlistDictionary& inDictionary, const XKey& inKey, GenericConditionType inDefault );
+
+    /// The operator's item in a menu.
+    [[nodiscard]] Text GetMenuTitle() const;
     /// The operator with the value or the status that it compares with.
-    [[nodiscard]] Text GetDescription(
-        const XText& inValue, std::int64_t inStatus, GenericConditionAddText inAdd ) const;
+    [[nodiscard]] Text GetDescription( const XText& inValue, std::int64_t inStatus = 0,
+        GenericConditionAddText inAdd = GenericConditionAddText::kNothing ) const;
     /// The value, if it could be meant as a regular expression.
     [[nodiscard]] std::vector<Text> CouldBeIntendedRegExStrings( const XText& inValue ) const;
 

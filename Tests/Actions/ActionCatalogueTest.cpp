@@ -123,6 +123,8 @@ std::vector<__SafeCFPropertyList> OtherValues( const __SafeCFPropertyList& inVal
     std::vector<__SafeCFPropertyList> values;
     if ( inValue.AsBoolean() )
         values.push_back( Bool( not inValue.AsBoolean()->GetValue() ) );
+    else if ( inValue.AsDictionary() and inValue.AsDictionary()->Contains( CFSTR( "ConditionListMatch" ) ) )
+        values.push_back( With( inValue, "ConditionListMatch", Str( u"Any" ) ) );
     else if ( inValue.AsDictionary() )
         values.push_back( Dict( { { "Anything", Array( { Str( u"x" ) } ) } } ) );
     else if ( inValue.AsArray() and inValue.AsArray()->GetCount() == 0 )
