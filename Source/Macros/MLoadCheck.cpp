@@ -46,7 +46,7 @@ Text Brief( const __SafeCFPropertyList& inValue )
 }
 
 // What a failed read says in the words of the code, in words for people.
-Text ReasonForPeople( const __SafeCFPropertyList& inElement, TextView inReason )
+Text ReasonForPeople( const __SafeCFPropertyList& inElement, TextView inListKey, TextView inReason )
 {
     const XPlistDictionary* const dictionary = inElement.AsDictionary();
     if ( not dictionary )
@@ -58,6 +58,8 @@ Text ReasonForPeople( const __SafeCFPropertyList& inElement, TextView inReason )
         return name.empty() ? kvr_format( u"its key “%@” is missing or no text", key.Name() )
                             : kvr_format( format, name );
     };
+    if ( inReason == u"good" and inListKey == u"ConditionList" )
+        return unknown( CFSTR( "ConditionType" ), u"no condition type is called “%@”" );
     if ( inReason == u"good" or inReason == u"action" )
         return unknown( CFSTR( "MacroActionType" ), u"no action type is called “%@”" );
     if ( inReason == u"false" )
@@ -85,7 +87,7 @@ Text ElementName( TextView inListKey, std::size_t inIndex )
         TextView mKey, mName;
     } kLists[] = { { u"MacroGroups", u"group" }, { u"Items", u"group" }, { u"Macros", u"macro" },
         { u"Triggers", u"trigger" }, { u"Actions", u"action" }, { u"ThenActions", u"then action" },
-        { u"ElseActions", u"else action" }, { u"CaseEntries", u"case" } };
+        { u"ElseActions", u"else action" }, { u"CaseEntries", u"case" }, { u"ConditionList", u"condition" } };
     for ( const auto& [key, name] : kLists )
     {
         if ( key == inListKey )
@@ -230,7 +232,7 @@ void Checker::NoteDropped( const XPlistArray& inSource, TextView inListKey )
         const bool isNamed = inListKey == u"MacroGroups" or inListKey == u"Items" or inListKey == u"Macros";
         const Text name = ElementName( inListKey, index );
         const Step step( *this, isNamed ? NameOfObject( element.AsDictionary(), name ) : name );
-        Note( Rule::kDropped, true, {}, ReasonForPeople( element, reason ) );
+        Note( Rule::kDropped, true, {}, ReasonForPeople( element, inListKey, reason ) );
     }
 }
 

@@ -162,6 +162,12 @@ TEST_F( LoadCheck, ReasonsAreWordsForPeople )
         { { "MacroGroups", 1u, "Macros", 0u, "Triggers", 0u }, Trigger( u"Odd" ),
             u"no kind of trigger is called “Odd”" },
         { { "MacroGroups", 1u, "Macros", 0u, "Actions", 0u }, ActionDict( u"Odd" ), u"no action type is called “Odd”" },
+        { { "MacroGroups", 1u, "Macros", 0u, "Actions", 0u },
+            ActionDict( u"Assert",
+                { { "Conditions",
+                    Dict( { { "ConditionListMatch", Str( u"All" ) },
+                        { "ConditionList", Array( { Dict( { { "ConditionType", Str( u"Odd" ) } } ) } ) } } ) } } ),
+            u"no condition type is called “Odd”" },
         { { "MacroGroups", 1u, "Macros", 0u, "Actions", 0u, "MacroUID" }, nullptr,
             u"its key “MacroUID” is missing or of the wrong type" },
     };
