@@ -40,7 +40,6 @@ void ASwitch::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) c
 void ASwitch::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     HBaseAction::AddMatchStrings( ioSearchee );
-    mSource.AddMatchStrings( ioSearchee );
     mCaseEntries->AddMatchStringsForConditions( ioSearchee );
 }
 

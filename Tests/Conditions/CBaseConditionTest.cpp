@@ -169,9 +169,9 @@ TEST( CBaseCondition, DescriptionsReadAsPeopleSayIt )
         { ConditionDict( u"FrontWindow",
               { { "FrontWindowConditionType", Str( u"TitleIs" ) }, { "FrontWindowTitle", Str( u"To %@" ) },
                   { "IsFrontApplication", Bool( false ) }, { "Application", Editor() } } ),
-            "The Title of the Front Window of “Editor” Is “To %@”" },
+            "Title of the Front Window of “Editor” Is “To %@”" },
         { ConditionDict( u"AnyWindow", { { "AnyWindowTitle", Str( u"Draft" ) } } ),
-            "The Title of Any Window of the Front Application Contains “Draft”" },
+            "Title of Any Window of the Front Application Contains “Draft”" },
         { ConditionDict( u"Button", { { "ButtonConditionType", Str( u"IsOn" ) } } ), "Button “OK” Is On" },
         { ConditionDict( u"Menu", { { "MenuConditionSelectionType", Str( u"Shortcut" ) } } ),
             "Menu Item with the Shortcut ⌘C Exists" },
@@ -191,7 +191,7 @@ TEST( CBaseCondition, DescriptionsReadAsPeopleSayIt )
         { ConditionDict( u"ActionResult" ), "Action Result Is OK" },
         { ConditionDict( u"ScreenImage" ), "Found on All Screens: the Image" },
         { ConditionDict( u"Pixel", { { "Red", Int( 1 ) }, { "Green", __SafeCFPropertyList::Real( 0.5 ) } } ),
-            "The Pixel at (0, 0) Is #FF8000" },
+            "Pixel at (0, 0) Is #FF8000" },
         { ConditionDict( u"WirelessNetwork" ), "Any Wireless Network Is Connected" },
         { ConditionDict( u"Script",
               { { "ScriptText", Str( u"exit 1\nexit 2" ) }, { "ScriptConditionType", Str( u"ReturnsStatus" ) },
@@ -200,7 +200,7 @@ TEST( CBaseCondition, DescriptionsReadAsPeopleSayIt )
             "Shell Script “exit 1 exit 2” Returns Status 2" },
         { ConditionDict( u"OCR" ), "Text Recognized in the Image Is Not Empty" },
         { ConditionDict( u"MouseButton", { { "Button", Int( 2 ) }, { "Pressed", Bool( false ) } } ),
-            "Number 3 Mouse Button Is Not Pressed" },
+            "Mouse Button 3 Is Not Pressed" },
     };
     for ( const auto& [condition, description] : kCases )
         EXPECT_EQ( Described( condition ), description );

@@ -1,6 +1,7 @@
 // Random macros files: good ones, as they were saved, and damage to them at random places.
 #pragma once
 
+#include "Conditions/CConditionList.h"
 #include "Tests/CFMethods/RandomPropertyList.h"
 #include "Tests/Macros/MacroFixtures.h"
 
@@ -98,6 +99,23 @@ private:
     }
     __SafeCFPropertyList NameOf( std::span<const TextView> inNames ) { return Str( inNames[Below( inNames.size() )] ); }
 
+    // Those of every type, most without the keys that they could have.
+    __SafeCFPropertyList Conditions()
+    {
+        XMutableDictionary list;
+        Maybe( list, "ConditionListMatch", NameOf( kConditionListMatchNames ) );
+        list.Set( CFSTR( "ConditionList" ), Several( 3, [this] {
+            XMutableDictionary condition;
+            condition.Set( CFSTR( "ConditionType" ), NameOf( kConditionTypeNames ) );
+            Maybe( condition, "KeyCode", __SafeCFPropertyList::Integer( std::int64_t( Below( 128 ) ) ) );
+            Maybe( condition, "Text", Str( mValues.String() ) );
+            Maybe( condition, "IsFrontApplication", Bool( Below( 2 ) == 0 ) );
+            Maybe( condition, "PixelConditionType", Str( u"IsDarker" ) );
+            return __SafeCFPropertyList( condition.Seal() );
+        } ) );
+        return list.Seal();
+    }
+
     void Base( XMutableDictionary& ioObject )
     {
         Maybe( ioObject, "UID", UID() );
@@ -167,7 +185,7 @@ private:
         default:
             const auto nested = [&] { return inDepth ? Action( inDepth - 1 ) : ExecuteMacro( u"UID-B" ); };
             return ActionDict( u"IfThenElse",
-                { { "Conditions", Dict( {} ) }, { "ThenActions", Several( 2, nested ) },
+                { { "Conditions", Conditions() }, { "ThenActions", Several( 2, nested ) },
                     { "ElseActions", Several( 2, nested ) } } );
         }
     }
