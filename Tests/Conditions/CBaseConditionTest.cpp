@@ -165,6 +165,7 @@ TEST( CBaseCondition, DescriptionsReadAsPeopleSayIt )
 {
     const std::pair<__SafeCFPropertyList, const char*> kCases[] = {
         { ConditionDict( u"Application", { { "Application", Editor() } } ), "Application “Editor” Is Running" },
+        { ConditionDict( u"Application" ), "Application (None Chosen) Is Running" },
         { ConditionDict( u"FrontWindow" ), "Whatever the Front Window of the Front Application Is" },
         { ConditionDict( u"FrontWindow",
               { { "FrontWindowConditionType", Str( u"TitleIs" ) }, { "FrontWindowTitle", Str( u"To %@" ) },

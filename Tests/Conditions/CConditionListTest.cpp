@@ -1,5 +1,6 @@
 #include "Conditions/CConditionList.h"
 
+#include "ClipboardSwitcher/ClipboardReference.h"
 #include "ConditionTestSupport.h"
 #include "Utility/Search/StringSearchee.h"
 
@@ -46,6 +47,17 @@ public:
 
     std::vector<std::pair<std::size_t, std::string>> mDropped;
     std::vector<std::string> mOlder, mRepaired;
+};
+
+// A store that has no clipboards and makes none.
+class NoClipboards final : public ClipboardNames
+{
+public:
+    NoClipboards() { SetCurrent( this ); }
+    ~NoClipboards() override { SetCurrent( nullptr ); }
+    [[nodiscard]] std::optional<Text> StrictGetClipboardNameByUID( TextView ) const override { return {}; }
+    [[nodiscard]] std::optional<Text> GetClipboardUIDByName( TextView ) const override { return {}; }
+    [[nodiscard]] Text GetOrCreateClipboard( TextView, TextView inUID ) override { return Text( inUID ); }
 };
 
 using Strings = std::vector<std::string>;
@@ -199,4 +211,45 @@ TEST( CConditionList, TriggeringByNameKeepsItsSearchAndItsMacros )
     EXPECT_EQ( Shown( Reloaded( plain ) ), Shown( With( With( action, "Allowed", nullptr ), "Macros", nullptr ) ) );
     EXPECT_EQ( UTF8FromText( HBaseAction::CreateFromPropertyList( action )->GetActionDescriptionString() ),
         "Trigger Macro by Name, Searching for “mail”" );
+}
+
+TEST( CConditionList, UpdatingToDefaultsReachesTheClipboardsWithinAnAction )
+{
+    const auto clipboard = ConditionDict( u"Clipboard",
+        { { "ClipboardSourceUseNamedClipboard", Bool( true ) },
+            { "ClipboardSourceNamedClipboardUID", Str( u"gone" ) } } );
+    const PlistEntry kind( "ImageSource", Str( u"NamedClipboard" ) ), uid( "ImageNamedClipboardName", Str( u"gone" ) );
+    const auto conditions = ListDict(
+        u"All", { clipboard, ConditionDict( u"OCR", { kind, uid } ), ConditionDict( u"ScreenImage", { kind, uid } ) } );
+    std::vector<__SafeCFPropertyList> holders = { ActionDict(
+        u"Switch", { { "Source", Str( u"NamedClipboard" ) }, { "NamedClipboardName", Str( u"gone" ) } } ) };
+    for ( const TextView type : { u"IfThenElse", u"While", u"Until", u"Assert", u"PauseUntil" } )
+        holders.push_back( ActionDict( type, { { "Conditions", conditions } } ) );
+    for ( const auto& holder : holders )
+    {
+        const auto action = HBaseAction::CreateFromPropertyList( holder );
+        EXPECT_NE( Shown( Saved( *action ) ).find( "gone" ), std::string::npos );
+        {
+            const NoClipboards noClipboards;
+            action->UpdateToDefaultValues( true );
+        }
+        EXPECT_EQ( Shown( Saved( *action ) ).find( "gone" ), std::string::npos ) << Shown( Saved( *action ) );
+    }
+}
+
+TEST( CConditionList, CasesOfASwitchOfferWhatCouldBeMeantAsExpressions )
+{
+    const auto entry = []( TextView type, TextView value ) {
+        return Dict( { { "ConditionType", Str( type ) }, { "TestValue", Str( value ) }, { "Actions", Array( {} ) } } );
+    };
+    const auto action = HBaseAction::CreateFromPropertyList( ActionDict( u"Switch",
+        { { "CaseEntries",
+            Array( { entry( u"Contains", u"a.b" ), entry( u"Is", u"c.d" ), entry( u"Contains", u"" ),
+                entry( u"Contains", u"e" ), entry( u"Otherwise", u"f" ) } ) } } ) );
+    EXPECT_EQ( action->ActionCouldBeRegExStrings(), ( std::vector<Text>{ u"a.b", u"e" } ) );
+    StringSearchee searchee;
+    action->AddMatchStrings( searchee );
+    for ( const TextView words : { u"If It Contains “a.b”", u"If It Is “c.d”", u"Otherwise" } )
+        EXPECT_TRUE( std::ranges::any_of(
+            searchee.GetElements(), [&]( const auto& element ) { return element.mText == words; } ) );
 }
