@@ -165,6 +165,14 @@ void DescribeApplication(
         inVisitor.NoteRepair( inKey, u"isn't a dictionary; no application stands" );
 }
 
+void DescribePath( HFieldVisitor& inVisitor, XText& ioPath )
+{
+    inVisitor.Text( "Path", ioPath, { .mOlderKey = "NewFile" } );
+    if ( inVisitor.IsReading() and ioPath.IsEmpty() and not inVisitor.HasKey( "Path" ) and
+        inVisitor.HasKey( "NewFile" ) )
+        inVisitor.NoteRepair( "NewFile", u"leads to no file that can be told; the path is empty" );
+}
+
 void ApplicationTarget::DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTypeKey, HFieldKey inApplicationKey )
 {
     if ( inVisitor.Searchee() and mType == ApplicationTargetingType::kFront )

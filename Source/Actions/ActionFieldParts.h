@@ -107,6 +107,10 @@ public:
 void DescribeApplication(
     HFieldVisitor& inVisitor, HFieldKey inKey, std::optional<XApplicationIdentifier>& ioApplication );
 
+/// The path of a file, under "Path". Older files have "NewFile" there: a text of it is the path, anything else a
+/// reference that nobody here can follow.
+void DescribePath( HFieldVisitor& inVisitor, XText& ioPath );
+
 enum class ApplicationTargetingType : std::int32_t { kFront, kSpecific };
 inline constexpr TextView kApplicationTargetingTypeNames[] = { u"Front", u"Specific" };
 static_assert( std::size( kApplicationTargetingTypeNames ) == std::size_t( ApplicationTargetingType::kSpecific ) + 1 );

@@ -20,3 +20,9 @@ Text ActionResult::GetDescription() const
         value = mClipboard.GetDisplayName();
     return kvr_localizedFormat( kvr_format( "kvActionResult%@Description", StoredName( mKind ) ), TextView( value ) );
 }
+
+void ActionResult::UpdateToDefaultValues( bool inForce )
+{
+    if ( mKind == ActionDisplayKind::kClipboard )
+        mClipboard.UpdateToDefaultValues( inForce );
+}

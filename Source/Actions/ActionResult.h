@@ -35,6 +35,7 @@ public:
     [[nodiscard]] const XText& GetVariable() const { return mVariable; }
     /// What is done with the result, to stand behind what the action does: " and Display Briefly"; "" for nothing.
     [[nodiscard]] Text GetDescription() const;
+    void UpdateToDefaultValues( bool inForce );
 
 private:
     ActionDisplayKind mKind = ActionDisplayKind::kNone;
