@@ -1,5 +1,8 @@
 #include "Actions/DescriptionText.h"
 
+#include "Utility/Text/Localization.h"
+#include "Utility/Text/XHTMLEntities.h"
+
 namespace
 {
 constexpr std::size_t kExcerptLength = 60;
@@ -50,4 +53,14 @@ Text kvr_wikiName( Text inTitle )
     ReplaceAll( inTitle, u"  ", u" " );
     ReplaceAll( inTitle, u" ", u"_" );
     return inTitle;
+}
+
+Text kvr_extraHTMLLine( TextView inFormatKey, TextView inValue )
+{
+    return inValue.empty() ? Text() : kvr_localizedFormat( inFormatKey, encodeHTML( inValue ) );
+}
+
+Text kvr_extraHTMLLineIf( bool inApplies, TextView inKey )
+{
+    return inApplies ? kvr_localized( inKey ) : Text();
 }

@@ -9,3 +9,7 @@
 [[nodiscard]] Text kvr_fileName( const XText& inPath );
 /// The name of the page that the help has under a title: "Cut, Copy/Paste" is at "Cut_Copy_or_Paste".
 [[nodiscard]] Text kvr_wikiName( Text inTitle );
+/// A line under an action's title: the format of a key with the value made safe for a page; "" without a value.
+[[nodiscard]] Text kvr_extraHTMLLine( TextView inFormatKey, TextView inValue );
+/// The line of a key, if it applies.
+[[nodiscard]] Text kvr_extraHTMLLineIf( bool inApplies, TextView inKey );

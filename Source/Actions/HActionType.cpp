@@ -6,6 +6,7 @@
 #include "Actions/MacroActions.h"
 #include "Actions/NotificationActions.h"
 #include "Actions/OpenActions.h"
+#include "Actions/ScriptActions.h"
 #include "Actions/TextActions.h"
 #include "XCAF/XErrorHandler.h"
 
@@ -76,13 +77,13 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kOpen1Password, "Open1Password", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kOpenURL, "OpenURL", 20, HFailure::kGoOn, Make<AOpenURL> },
     { HActionType::kGetURL, "GetURL", 20, HFailure::kStop, MakeStored },
-    { HActionType::kExecuteAppleScript, "ExecuteAppleScript", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kExecuteShellScript, "ExecuteShellScript", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kExecuteJavaScriptForAutomation, "ExecuteJavaScriptForAutomation", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kExecuteJavaScriptForCustomPrompt, "ExecuteJavaScriptForCustomPrompt", 20, HFailure::kStop, MakeStored },
-    { HActionType::kExecuteSwift, "ExecuteSwift", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kExecuteJavaScript, "ExecuteJavaScript", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kExecuteWorkflow, "ExecuteWorkflow", 356400, HFailure::kNever, MakeStored },
+    { HActionType::kExecuteAppleScript, "ExecuteAppleScript", 356400, HFailure::kStop, Make<AExecuteAppleScript> },
+    { HActionType::kExecuteShellScript, "ExecuteShellScript", 356400, HFailure::kStop, Make<AExecuteShellScript> },
+    { HActionType::kExecuteJavaScriptForAutomation, "ExecuteJavaScriptForAutomation", 356400, HFailure::kStop, Make<AExecuteJavaScriptForAutomation> },
+    { HActionType::kExecuteJavaScriptForCustomPrompt, "ExecuteJavaScriptForCustomPrompt", 20, HFailure::kStop, Make<AExecuteJavaScriptForCustomPrompt> },
+    { HActionType::kExecuteSwift, "ExecuteSwift", 356400, HFailure::kStop, Make<AExecuteSwiftScript> },
+    { HActionType::kExecuteJavaScript, "ExecuteJavaScript", 356400, HFailure::kStop, Make<AExecuteJavaScript> },
+    { HActionType::kExecuteWorkflow, "ExecuteWorkflow", 356400, HFailure::kNever, Make<AExecuteWorkflow> },
     { HActionType::kExecuteMacro, "ExecuteMacro", 356400, HFailure::kNever, Make<AExecuteMacro> },
     { HActionType::kMarkMacro, "MarkMacro", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kSetMacroEnable, "SetMacroEnable", 0, HFailure::kNever, MakeStored },
