@@ -48,23 +48,30 @@ bool IsPackage( const Path& inPath )
             HasExtension( inPath, { "app", "bundle", "framework", "rtfd", "scptd", "workflow" } ) );
 }
 
-// A script that was saved as an application says so by its creator code.
-bool IsScriptApplication( const Path& inPath )
+// A text of the information file of a bundle; null without one.
+XText BundleInformation( const Path& inPath, const XKey& inKey )
 {
     constexpr std::size_t kMostBytes = 1 << 20; // an information file has a few thousand
-    if ( not HasExtension( inPath, { "app" } ) )
-        return false;
     std::ifstream file( inPath / "Contents" / "Info.plist", std::ios::binary );
     std::vector<std::uint8_t> bytes( kMostBytes );
     file.read( reinterpret_cast<char*>( bytes.data() ), std::streamsize( bytes.size() ) );
     bytes.resize( std::size_t( std::max<std::streamsize>( file.gcount(), 0 ) ) );
     if ( bytes.empty() )
-        return false;
+        return {};
     const XPlistReadResult information = ReadPropertyList( bytes );
-    XText signature;
-    const XPlistDictionary* dictionary = information.mValue.AsDictionary();
-    return dictionary and dictionary->Get( CFSTR( "CFBundleSignature" ), signature ) and
-        ( signature.Equals( TextView( u"aplt" ) ) or signature.Equals( TextView( u"dplt" ) ) );
+    XText value;
+    if ( const XPlistDictionary* dictionary = information.mValue.AsDictionary() )
+        (void)dictionary->Get( inKey, value );
+    return value;
+}
+
+// A script that was saved as an application says so by its creator code.
+bool IsScriptApplication( const Path& inPath )
+{
+    if ( not HasExtension( inPath, { "app" } ) )
+        return false;
+    const XText signature = BundleInformation( inPath, CFSTR( "CFBundleSignature" ) );
+    return signature == TextView( u"aplt" ) or signature == TextView( u"dplt" );
 }
 } // namespace
 
@@ -134,4 +141,9 @@ bool KVFileTypes::ShouldShowWorkflowFilename( const Path& inPath )
 bool KVFileTypes::ShouldShowApplication( const Path& inPath )
 {
     return HasType( inPath, { u"com.apple.application" } ) or HasExtension( inPath, { "app" } );
+}
+
+XText KVFileTypes::BundleIdentifier( const Path& inPath )
+{
+    return BundleInformation( inPath, CFSTR( "CFBundleIdentifier" ) );
 }

@@ -2,6 +2,8 @@
 // knows decides where there is one; otherwise the extension, whose case doesn't matter. Any thread.
 #pragma once
 
+#include "CFMethods/PropertyList.h"
+
 #include <filesystem>
 
 namespace KVFileTypes
@@ -25,4 +27,7 @@ using Path = std::filesystem::path;
 [[nodiscard]] bool ShouldShowTextFactoryFilename( const Path& inPath );
 [[nodiscard]] bool ShouldShowWorkflowFilename( const Path& inPath );
 [[nodiscard]] bool ShouldShowApplication( const Path& inPath );
+
+/// What the information file of an application bundle calls the application; null when it says nothing.
+[[nodiscard]] XText BundleIdentifier( const Path& inPath );
 } // namespace KVFileTypes
