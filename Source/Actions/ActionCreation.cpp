@@ -1,8 +1,11 @@
 #include "Actions/ActionCreation.h"
 
 #include "Actions/ASwitch.h"
+#include "Actions/ApplicationActions.h"
 #include "Actions/FlowControlActions.h"
 #include "Actions/MacroActions.h"
+#include "Actions/OpenActions.h"
+#include "Actions/ScriptActions.h"
 #include "Defines/KVFileTypes.h"
 #include "Macros/MMacro.h"
 #include "Utility/Text/Localization.h"
@@ -72,61 +75,50 @@ EngroupResult CreateActionForForEngroup( EngroupSelector& inSelector, EngroupSel
 
 namespace
 {
-// Made through the property-list form, which knows the keys of every type.
-std::unique_ptr<HBaseAction> WithKeys( HActionType inType, XMutableDictionary& ioKeys )
-{
-    ioKeys.SetText( CFSTR( "MacroActionType" ), KeyOf( inType ) );
-    return HBaseAction::CreateFromPropertyList( ioKeys.Seal() );
-}
-
 XText StoredPath( const std::filesystem::path& inPath )
 {
     return XText( stringByAbbreviatingWithTildeInPath( TextFromUTF8( inPath.native() ) ) );
 }
 
+std::unique_ptr<AOpen1File> OpenFile( const std::filesystem::path& inPath )
+{
+    auto action = std::make_unique<AOpen1File>();
+    action->SetPath( StoredPath( inPath ) );
+    return action;
+}
+
 // A folder is opened by the desktop's file browser, whatever else may claim folders.
 std::unique_ptr<HBaseAction> OpenFolder( const std::filesystem::path& inPath )
 {
-    XMutableDictionary keys;
-    keys.SetText( CFSTR( "Path" ), StoredPath( inPath ) );
-    keys.SetBoolean( CFSTR( "IsDefaultApplication" ), false );
-    keys.Set( CFSTR( "Application" ), XApplicationIdentifier( u"Finder", u"com.apple.finder" ).CopyToPropertyList() );
-    return WithKeys( HActionType::kOpen1File, keys );
+    auto action = OpenFile( inPath );
+    action->SetApplication( XApplicationIdentifier( u"Finder", u"com.apple.finder" ) );
+    return action;
 }
 
-std::unique_ptr<HBaseAction> OpenFile( const std::filesystem::path& inPath )
+template<class Action>
+std::unique_ptr<HBaseAction> Execute( const std::filesystem::path& inPath )
 {
-    XMutableDictionary keys;
-    keys.SetText( CFSTR( "Path" ), StoredPath( inPath ) );
-    keys.SetBoolean( CFSTR( "IsDefaultApplication" ), true );
-    return WithKeys( HActionType::kOpen1File, keys );
+    auto action = std::make_unique<Action>();
+    action->SetPath( StoredPath( inPath ) );
+    return action;
 }
 
-std::unique_ptr<HBaseAction> ExecuteFile( HActionType inType, const std::filesystem::path& inPath )
+std::unique_ptr<HBaseAction> Activate( const std::filesystem::path& inPath, TextView inName )
 {
-    XMutableDictionary keys;
-    keys.SetText( CFSTR( "Path" ), StoredPath( inPath ) );
-    if ( inType != HActionType::kExecuteWorkflow )
-        keys.SetBoolean( CFSTR( "UseText" ), false );
-    return WithKeys( inType, keys );
-}
-
-std::unique_ptr<HBaseAction> Activate( TextView inName )
-{
-    XMutableDictionary keys;
-    keys.Set( CFSTR( "Application" ), XApplicationIdentifier( XText( inName ), {} ).CopyToPropertyList() );
-    return WithKeys( HActionType::kActivateApplication, keys );
+    auto action = std::make_unique<AActivateApplication>();
+    action->SetApplication( XApplicationIdentifier( XText( inName ), KVFileTypes::BundleIdentifier( inPath ) ) );
+    return action;
 }
 
 struct ScriptKind
 {
     bool ( *mIs )( const KVFileTypes::Path& inPath );
-    HActionType mType;
+    std::unique_ptr<HBaseAction> ( *mMake )( const std::filesystem::path& inPath );
 };
 constexpr ScriptKind kScriptKinds[] = {
-    { KVFileTypes::ShouldShowSwiftScriptFilename, HActionType::kExecuteSwift },
-    { KVFileTypes::ShouldShowJavaScriptFilename, HActionType::kExecuteJavaScriptForAutomation },
-    { KVFileTypes::ShouldShowShellScriptFilename, HActionType::kExecuteShellScript },
+    { KVFileTypes::ShouldShowSwiftScriptFilename, Execute<AExecuteSwiftScript> },
+    { KVFileTypes::ShouldShowJavaScriptFilename, Execute<AExecuteJavaScriptForAutomation> },
+    { KVFileTypes::ShouldShowShellScriptFilename, Execute<AExecuteShellScript> },
 };
 } // namespace
 
@@ -139,27 +131,27 @@ std::unique_ptr<HBaseAction> CreateActionForDraggedPath( const std::filesystem::
         outTitle = kvr_localizedFormat( inFormatKey, inName );
         return inAction;
     };
-    const auto executed = [&]( HActionType inType ) {
-        return titled( u"kvActionForPathExecuteTitleFormat", name, ExecuteFile( inType, path ) );
+    const auto executed = [&]( std::unique_ptr<HBaseAction> inAction ) {
+        return titled( u"kvActionForPathExecuteTitleFormat", name, std::move( inAction ) );
     };
 
     if ( KVFileTypes::ShouldShowFolder( path ) )
         return titled( u"kvActionForPathOpenTitleFormat", name, OpenFolder( path ) );
     if ( KVFileTypes::ShouldShowAppleScriptFilename( path ) )
-        return executed( HActionType::kExecuteAppleScript );
+        return executed( Execute<AExecuteAppleScript>( path ) );
     if ( KVFileTypes::ShouldShowWorkflowFilename( path ) )
-        return executed( HActionType::kExecuteWorkflow );
+        return executed( Execute<AExecuteWorkflow>( path ) );
     std::error_code ignored;
     if ( KVFileTypes::ShouldShowApplication( path ) and std::filesystem::exists( path, ignored ) )
     {
         const Text application =
             TextFromUTF8( path.extension() == ".app" ? path.stem().native() : path.filename().native() );
-        return titled( u"kvActionForPathActivateTitleFormat", application, Activate( application ) );
+        return titled( u"kvActionForPathActivateTitleFormat", application, Activate( path, application ) );
     }
-    for ( const auto& [isKind, type] : kScriptKinds )
+    for ( const auto& [isKind, make] : kScriptKinds )
     {
         if ( isKind( path ) )
-            return executed( type );
+            return executed( make( path ) );
     }
     return titled( u"kvActionForPathOpenTitleFormat", name, OpenFile( path ) );
 }

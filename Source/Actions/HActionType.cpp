@@ -2,12 +2,18 @@
 
 #include "Actions/AStoredAction.h"
 #include "Actions/ASwitch.h"
+#include "Actions/ApplicationActions.h"
+#include "Actions/FileActions.h"
+#include "Actions/FileAttributeActions.h"
 #include "Actions/FlowControlActions.h"
+#include "Actions/InternalActions.h"
 #include "Actions/MacroActions.h"
 #include "Actions/NotificationActions.h"
 #include "Actions/OpenActions.h"
 #include "Actions/ScriptActions.h"
+#include "Actions/SwitcherActions.h"
 #include "Actions/TextActions.h"
+#include "Actions/WebActions.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <array>
@@ -33,50 +39,50 @@ std::unique_ptr<HBaseAction> MakeStored( HActionType inType )
 // clang-format off
 constexpr HActionTypeRow kActionTypes[] = {
     // type, key, time-out, on failure, make, title
-    { HActionType::kProgramSwitcher, "ProgramSwitcher", 0, HFailure::kNever, MakeStored },
-    { HActionType::kWindowSwitcher, "WindowSwitcher", 0, HFailure::kNever, MakeStored },
-    { HActionType::kApplicationLauncher, "ApplicationLauncher", 0, HFailure::kNever, MakeStored },
-    { HActionType::kClipboardSwitcherCopy, "ClipboardSwitcherCopy", 0, HFailure::kNever, MakeStored },
-    { HActionType::kClipboardSwitcherCut, "ClipboardSwitcherCut", 0, HFailure::kNever, MakeStored },
-    { HActionType::kClipboardSwitcherPaste, "ClipboardSwitcherPaste", 0, HFailure::kNever, MakeStored },
-    { HActionType::kClipboardHistorySwitcher, "ClipboardHistorySwitcher", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSendMessageToEditor, "SendMessageToEditor", 0, HFailure::kNever, MakeStored },
-    { HActionType::kDontRotateStatusMenu, "DontRotateStatusMenu", 0, HFailure::kNever, MakeStored },
-    { HActionType::kTypedStringDuplicatePalette, "TypedStringDuplicatePalette", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSearch, "Search", 180, HFailure::kNever, MakeStored },
+    { HActionType::kProgramSwitcher, "ProgramSwitcher", 0, HFailure::kNever, Make<AProgramSwitcher> },
+    { HActionType::kWindowSwitcher, "WindowSwitcher", 0, HFailure::kNever, Make<AWindowSwitcher> },
+    { HActionType::kApplicationLauncher, "ApplicationLauncher", 0, HFailure::kNever, Make<AApplicationLauncher> },
+    { HActionType::kClipboardSwitcherCopy, "ClipboardSwitcherCopy", 0, HFailure::kNever, MakeOf<AClipboardSwitcher, HActionType::kClipboardSwitcherCopy> },
+    { HActionType::kClipboardSwitcherCut, "ClipboardSwitcherCut", 0, HFailure::kNever, MakeOf<AClipboardSwitcher, HActionType::kClipboardSwitcherCut> },
+    { HActionType::kClipboardSwitcherPaste, "ClipboardSwitcherPaste", 0, HFailure::kNever, MakeOf<AClipboardSwitcher, HActionType::kClipboardSwitcherPaste> },
+    { HActionType::kClipboardHistorySwitcher, "ClipboardHistorySwitcher", 0, HFailure::kNever, Make<AClipboardHistorySwitcher> },
+    { HActionType::kSendMessageToEditor, "SendMessageToEditor", 0, HFailure::kNever, Make<ASendMessageToEditor> },
+    { HActionType::kDontRotateStatusMenu, "DontRotateStatusMenu", 0, HFailure::kNever, Make<ADontRotateStatusMenu> },
+    { HActionType::kTypedStringDuplicatePalette, "TypedStringDuplicatePalette", 0, HFailure::kNever, Make<ATypedStringDuplicatePalette> },
+    { HActionType::kSearch, "Search", 180, HFailure::kNever, Make<ASearch> },
     { HActionType::kTriggerByName, "TriggerByName", 180, HFailure::kNever, Make<ATriggerByName> },
     { HActionType::kShowPaletteOfMacros, "ShowPaletteOfMacros", 356400, HFailure::kNever, MakeStored },
     { HActionType::kGetTouchBarSelection, "GetTouchBarSelection", 60, HFailure::kNever, MakeStored },
     { HActionType::kOCRImage, "OCRImage", 60, HFailure::kNever, MakeStored },
-    { HActionType::kBringWindowsForward, "BringWindowsForward", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSwitchToLastApplication, "SwitchToLastApplication", 20, HFailure::kNever, MakeStored },
-    { HActionType::kSwitchToNextApplication, "SwitchToNextApplication", 20, HFailure::kNever, MakeStored },
-    { HActionType::kActivateApplication, "ActivateApplication", 20, HFailure::kGoOn, MakeStored },
-    { HActionType::kApplyModifiersToApplication, "ApplyModifiersToApplication", 20, HFailure::kGoOn, MakeStored },
-    { HActionType::kQuitOthers, "QuitOthers", 0, HFailure::kNever, MakeStored },
-    { HActionType::kQuitAll, "QuitAll", 0, HFailure::kNever, MakeStored },
-    { HActionType::kQuitSpecificApp, "QuitSpecificApp", 0, HFailure::kNever, MakeStored },
-    { HActionType::kHideOthers, "HideOthers", 0, HFailure::kNever, MakeStored },
-    { HActionType::kHideAll, "HideAll", 0, HFailure::kNever, MakeStored },
-    { HActionType::kHideCurrent, "HideCurrent", 0, HFailure::kNever, MakeStored },
-    { HActionType::kHideSpecificApp, "HideSpecificApp", 0, HFailure::kNever, MakeStored },
-    { HActionType::kShowAll, "ShowAll", 0, HFailure::kNever, MakeStored },
-    { HActionType::kShowSpecificApp, "ShowSpecificApp", 0, HFailure::kNever, MakeStored },
-    { HActionType::kFile, "File", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kReadFile, "ReadFile", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kWriteFile, "WriteFile", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetFileIcon, "SetFileIcon", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kNewFolder, "NewFolder", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSplitPath, "SplitPath", 0, HFailure::kStop, MakeStored },
+    { HActionType::kBringWindowsForward, "BringWindowsForward", 0, HFailure::kNever, Make<ABringWindowsForward> },
+    { HActionType::kSwitchToLastApplication, "SwitchToLastApplication", 20, HFailure::kNever, Make<ALastApplication> },
+    { HActionType::kSwitchToNextApplication, "SwitchToNextApplication", 20, HFailure::kNever, Make<ANextApplication> },
+    { HActionType::kActivateApplication, "ActivateApplication", 20, HFailure::kGoOn, Make<AActivateApplication> },
+    { HActionType::kApplyModifiersToApplication, "ApplyModifiersToApplication", 20, HFailure::kGoOn, Make<AApplyModifiersToApplication> },
+    { HActionType::kQuitOthers, "QuitOthers", 0, HFailure::kNever, MakeOf<AQuitApplications, AQuitApplications::Scope::kOthers> },
+    { HActionType::kQuitAll, "QuitAll", 0, HFailure::kNever, MakeOf<AQuitApplications, AQuitApplications::Scope::kAll> },
+    { HActionType::kQuitSpecificApp, "QuitSpecificApp", 0, HFailure::kNever, Make<AQuitSpecificApplication> },
+    { HActionType::kHideOthers, "HideOthers", 0, HFailure::kNever, MakeOf<AHideApplications, AHideApplications::Scope::kOthers> },
+    { HActionType::kHideAll, "HideAll", 0, HFailure::kNever, MakeOf<AHideApplications, AHideApplications::Scope::kAll> },
+    { HActionType::kHideCurrent, "HideCurrent", 0, HFailure::kNever, MakeOf<AHideApplications, AHideApplications::Scope::kCurrent> },
+    { HActionType::kHideSpecificApp, "HideSpecificApp", 0, HFailure::kNever, Make<AHideSpecificApplication> },
+    { HActionType::kShowAll, "ShowAll", 0, HFailure::kNever, Make<AShowApplications> },
+    { HActionType::kShowSpecificApp, "ShowSpecificApp", 0, HFailure::kNever, Make<AShowSpecificApplication> },
+    { HActionType::kFile, "File", 0, HFailure::kGoOn, Make<AFile> },
+    { HActionType::kReadFile, "ReadFile", 0, HFailure::kGoOn, Make<AReadFile> },
+    { HActionType::kWriteFile, "WriteFile", 0, HFailure::kGoOn, Make<AWriteFile> },
+    { HActionType::kSetFileIcon, "SetFileIcon", 0, HFailure::kGoOn, Make<ASetFileIcon> },
+    { HActionType::kNewFolder, "NewFolder", 0, HFailure::kGoOn, Make<ANewFolder> },
+    { HActionType::kSplitPath, "SplitPath", 0, HFailure::kStop, Make<ASplitPath> },
     { HActionType::kPlugIn, "PlugIn", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kGetFileAttribute, "GetFileAttribute", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetFileAttribute, "SetFileAttribute", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kOpen1File, "Open1File", 0, HFailure::kStop, MakeStored },
-    { HActionType::kOpenFinderSelection, "OpenFinderSelection", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSystemPrefPane, "SystemPrefPane", 20, HFailure::kGoOn, MakeStored },
-    { HActionType::kOpen1Password, "Open1Password", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kGetFileAttribute, "GetFileAttribute", 0, HFailure::kGoOn, Make<AGetFileAttribute> },
+    { HActionType::kSetFileAttribute, "SetFileAttribute", 0, HFailure::kGoOn, Make<ASetFileAttribute> },
+    { HActionType::kOpen1File, "Open1File", 0, HFailure::kStop, Make<AOpen1File> },
+    { HActionType::kOpenFinderSelection, "OpenFinderSelection", 0, HFailure::kNever, Make<AOpenFinderSelection> },
+    { HActionType::kSystemPrefPane, "SystemPrefPane", 20, HFailure::kGoOn, Make<AOpenPrefPane> },
+    { HActionType::kOpen1Password, "Open1Password", 0, HFailure::kGoOn, Make<AOpen1Password> },
     { HActionType::kOpenURL, "OpenURL", 20, HFailure::kGoOn, Make<AOpenURL> },
-    { HActionType::kGetURL, "GetURL", 20, HFailure::kStop, MakeStored },
+    { HActionType::kGetURL, "GetURL", 20, HFailure::kStop, Make<AGetURL> },
     { HActionType::kExecuteAppleScript, "ExecuteAppleScript", 356400, HFailure::kStop, Make<AExecuteAppleScript> },
     { HActionType::kExecuteShellScript, "ExecuteShellScript", 356400, HFailure::kStop, Make<AExecuteShellScript> },
     { HActionType::kExecuteJavaScriptForAutomation, "ExecuteJavaScriptForAutomation", 356400, HFailure::kStop, Make<AExecuteJavaScriptForAutomation> },
