@@ -90,6 +90,12 @@ inline std::string ReadFailure( const __SafeCFPropertyList& inAction )
     return {};
 }
 
+/// What an action that was read says of itself.
+inline std::string Described( const __SafeCFPropertyList& inAction )
+{
+    return UTF8FromText( HBaseAction::CreateFromPropertyList( inAction )->GetActionDescriptionString() );
+}
+
 /// For messages of failing tests.
 inline std::string Shown( const __SafeCFPropertyList& inValue )
 {
