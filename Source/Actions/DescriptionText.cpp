@@ -2,6 +2,8 @@
 
 #include "Utility/Text/Localization.h"
 #include "Utility/Text/XHTMLEntities.h"
+#include "Actions/ActionFieldParts.h"
+#include "Macros/MMacroSerializedObject.h"
 
 namespace
 {
@@ -63,4 +65,24 @@ Text kvr_extraHTMLLine( TextView inFormatKey, TextView inValue )
 Text kvr_extraHTMLLineIf( bool inApplies, TextView inKey )
 {
     return inApplies ? kvr_localized( inKey ) : Text();
+}
+
+Text kvr_withApplication( const Text& inDescription, const ApplicationTarget& inTarget )
+{
+    const Text application = inTarget.GetApplicationName();
+    if ( application.empty() )
+        return inDescription;
+    return kvr_localizedFormat( u"kvActionInApplicationDescriptionFormat", inDescription, application );
+}
+
+Text kvr_macroName( const XText& inUID )
+{
+    const MMacroSerializedObject* macro = MMacroSerializedObject::FindObjectByUID( inUID );
+    return macro ? macro->GetUnambiguousName() : MMacroSerializedObject::GetUnknownUnambiguousName();
+}
+
+Text kvr_macroGroupName( const XText& inUID )
+{
+    const MMacroSerializedObject* group = MMacroSerializedObject::FindObjectByUID( inUID );
+    return group ? group->GetUnambiguousName() : kvr_localized( u"kvMacroGroupUnknownUnambiguousName" );
 }

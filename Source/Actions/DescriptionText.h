@@ -3,6 +3,8 @@
 
 #include "CFMethods/PropertyList.h"
 
+class ApplicationTarget;
+
 /// The beginning of a text on one line, to stand within a description: at most 60 units, "…" behind it if more follows.
 [[nodiscard]] Text kvr_excerpt( const XText& inText );
 /// The last component of a path; the path itself when it has none.
@@ -13,3 +15,9 @@
 [[nodiscard]] Text kvr_extraHTMLLine( TextView inFormatKey, TextView inValue );
 /// The line of a key, if it applies.
 [[nodiscard]] Text kvr_extraHTMLLineIf( bool inApplies, TextView inKey );
+/// The description of an action with the application that it is sent to, unless that is the one in front.
+[[nodiscard]] Text kvr_withApplication( const Text& inDescription, const ApplicationTarget& inTarget );
+/// The macro of a UID as people tell macros apart; "Unknown Macro" when there is none.
+[[nodiscard]] Text kvr_macroName( const XText& inUID );
+/// The same of a macro group.
+[[nodiscard]] Text kvr_macroGroupName( const XText& inUID );

@@ -6,14 +6,22 @@
 #include "Actions/FileActions.h"
 #include "Actions/FileAttributeActions.h"
 #include "Actions/FlowControlActions.h"
+#include "Actions/ImageActions.h"
 #include "Actions/InternalActions.h"
+#include "Actions/KeyboardActions.h"
 #include "Actions/MacroActions.h"
+#include "Actions/MouseActions.h"
 #include "Actions/NotificationActions.h"
 #include "Actions/OpenActions.h"
+#include "Actions/PaletteActions.h"
+#include "Actions/ScreenActions.h"
 #include "Actions/ScriptActions.h"
+#include "Actions/SettingActions.h"
+#include "Actions/StreamDeckActions.h"
 #include "Actions/SwitcherActions.h"
 #include "Actions/TextActions.h"
 #include "Actions/WebActions.h"
+#include "Actions/WindowActions.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <array>
@@ -51,9 +59,9 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kTypedStringDuplicatePalette, "TypedStringDuplicatePalette", 0, HFailure::kNever, Make<ATypedStringDuplicatePalette> },
     { HActionType::kSearch, "Search", 180, HFailure::kNever, Make<ASearch> },
     { HActionType::kTriggerByName, "TriggerByName", 180, HFailure::kNever, Make<ATriggerByName> },
-    { HActionType::kShowPaletteOfMacros, "ShowPaletteOfMacros", 356400, HFailure::kNever, MakeStored },
-    { HActionType::kGetTouchBarSelection, "GetTouchBarSelection", 60, HFailure::kNever, MakeStored },
-    { HActionType::kOCRImage, "OCRImage", 60, HFailure::kNever, MakeStored },
+    { HActionType::kShowPaletteOfMacros, "ShowPaletteOfMacros", 356400, HFailure::kNever, Make<AShowPaletteOfMacros> },
+    { HActionType::kGetTouchBarSelection, "GetTouchBarSelection", 60, HFailure::kNever, Make<AGetTouchBarSelection> },
+    { HActionType::kOCRImage, "OCRImage", 60, HFailure::kNever, Make<AOCRImage> },
     { HActionType::kBringWindowsForward, "BringWindowsForward", 0, HFailure::kNever, Make<ABringWindowsForward> },
     { HActionType::kSwitchToLastApplication, "SwitchToLastApplication", 20, HFailure::kNever, Make<ALastApplication> },
     { HActionType::kSwitchToNextApplication, "SwitchToNextApplication", 20, HFailure::kNever, Make<ANextApplication> },
@@ -91,37 +99,37 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kExecuteJavaScript, "ExecuteJavaScript", 356400, HFailure::kStop, Make<AExecuteJavaScript> },
     { HActionType::kExecuteWorkflow, "ExecuteWorkflow", 356400, HFailure::kNever, Make<AExecuteWorkflow> },
     { HActionType::kExecuteMacro, "ExecuteMacro", 356400, HFailure::kNever, Make<AExecuteMacro> },
-    { HActionType::kMarkMacro, "MarkMacro", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetMacroEnable, "SetMacroEnable", 0, HFailure::kNever, MakeStored },
+    { HActionType::kMarkMacro, "MarkMacro", 0, HFailure::kGoOn, Make<AMarkMacro> },
+    { HActionType::kSetMacroEnable, "SetMacroEnable", 0, HFailure::kNever, Make<ASetMacroEnable> },
     { HActionType::kInsertText, "InsertText", 0, HFailure::kNever, Make<AInsertText> },
-    { HActionType::kSetFindPasteboard, "SetFindPasteboard", 5, HFailure::kNever, MakeStored },
-    { HActionType::kSetNetworkLocation, "SetNetworkLocation", 0, HFailure::kNever, MakeStored },
-    { HActionType::kFastUserSwitch, "FastUserSwitch", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSetKeyboardLayout, "SetKeyboardLayout", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kQuickMacro, "QuickMacro", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSimulateKeystroke, "SimulateKeystroke", 0, HFailure::kNever, MakeStored },
-    { HActionType::kTriggerMacroByHotKey, "TriggerMacroByHotKey", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSimulateModifiers, "SimulateModifiers", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSimulateHardwareKey, "SimulateHardwareKey", 0, HFailure::kNever, MakeStored },
-    { HActionType::kMouseMoveAndClick, "MouseMoveAndClick", 0, HFailure::kStop, MakeStored },
-    { HActionType::kScrollWheelEvent, "ScrollWheelEvent", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSelectMenuItem, "SelectMenuItem", 0, HFailure::kStop, MakeStored },
-    { HActionType::kPressButton, "PressButton", 0, HFailure::kStop, MakeStored, "hkPressButtonItem" },
-    { HActionType::kDarkMode, "DarkMode", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSetFindPasteboard, "SetFindPasteboard", 5, HFailure::kNever, Make<ASetFindPasteboard> },
+    { HActionType::kSetNetworkLocation, "SetNetworkLocation", 0, HFailure::kNever, Make<ASetNetworkLocation> },
+    { HActionType::kFastUserSwitch, "FastUserSwitch", 0, HFailure::kNever, Make<AFastUserSwitch> },
+    { HActionType::kSetKeyboardLayout, "SetKeyboardLayout", 0, HFailure::kGoOn, Make<ASetKeyboardLayout> },
+    { HActionType::kQuickMacro, "QuickMacro", 0, HFailure::kNever, Make<AQuickMacro> },
+    { HActionType::kSimulateKeystroke, "SimulateKeystroke", 0, HFailure::kNever, Make<ASimulateKeystroke> },
+    { HActionType::kTriggerMacroByHotKey, "TriggerMacroByHotKey", 0, HFailure::kStop, Make<ATriggerMacroByHotKey> },
+    { HActionType::kSimulateModifiers, "SimulateModifiers", 0, HFailure::kNever, Make<ASimulateModifiers> },
+    { HActionType::kSimulateHardwareKey, "SimulateHardwareKey", 0, HFailure::kNever, Make<ASimulateHardwareKey> },
+    { HActionType::kMouseMoveAndClick, "MouseMoveAndClick", 0, HFailure::kStop, Make<AMouseMoveAndClick> },
+    { HActionType::kScrollWheelEvent, "ScrollWheelEvent", 0, HFailure::kGoOn, Make<AScrollWheelEvent> },
+    { HActionType::kSelectMenuItem, "SelectMenuItem", 0, HFailure::kStop, Make<ASelectMenuItem> },
+    { HActionType::kPressButton, "PressButton", 0, HFailure::kStop, Make<APressButton>, "hkPressButtonItem" },
+    { HActionType::kDarkMode, "DarkMode", 0, HFailure::kNever, Make<ADarkMode> },
     { HActionType::kSemaphore, "Semaphore", 3600, HFailure::kStop, Make<ASemaphore> },
-    { HActionType::kManipulateWindow, "ManipulateWindow", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kHiliteLocation, "HiliteLocation", 356400, HFailure::kGoOn, MakeStored },
-    { HActionType::kScreenCapture, "ScreenCapture", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kFindImage, "FindImage", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kTransformImage, "TransformImage", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kResizeImage, "ResizeImage", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kCompositeImage, "CompositeImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kManipulateWindow, "ManipulateWindow", 0, HFailure::kGoOn, Make<AManipulateWindow> },
+    { HActionType::kHiliteLocation, "HiliteLocation", 356400, HFailure::kGoOn, Make<AHiliteLocation> },
+    { HActionType::kScreenCapture, "ScreenCapture", 0, HFailure::kGoOn, Make<AScreenCapture> },
+    { HActionType::kFindImage, "FindImage", 0, HFailure::kGoOn, Make<AFindImage> },
+    { HActionType::kTransformImage, "TransformImage", 0, HFailure::kGoOn, Make<ATransformImage> },
+    { HActionType::kResizeImage, "ResizeImage", 0, HFailure::kGoOn, Make<AResizeImage> },
+    { HActionType::kCompositeImage, "CompositeImage", 0, HFailure::kGoOn, Make<ACompositeImage> },
     { HActionType::kCopyClipboard, "CopyClipboard", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kDrawImage, "DrawImage", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kGetImageSize, "GetImageSize", 0, HFailure::kNever, MakeStored },
-    { HActionType::kTrimImage, "TrimImage", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kDisplayImage, "DisplayImage", 0, HFailure::kNever, MakeStored },
-    { HActionType::kNewImage, "NewImage", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kDrawImage, "DrawImage", 0, HFailure::kGoOn, Make<ADrawImage> },
+    { HActionType::kGetImageSize, "GetImageSize", 0, HFailure::kNever, Make<AGetImageSize> },
+    { HActionType::kTrimImage, "TrimImage", 0, HFailure::kGoOn, Make<ATrimImage> },
+    { HActionType::kDisplayImage, "DisplayImage", 0, HFailure::kNever, Make<ADisplayImage> },
+    { HActionType::kNewImage, "NewImage", 0, HFailure::kGoOn, Make<ANewImage> },
     { HActionType::kPause, "Pause", 356400, HFailure::kGoOn, Make<APause> },
     { HActionType::kPauseUntil, "PauseUntil", 356400, HFailure::kNever, Make<APauseUntil> },
     { HActionType::kAssert, "Assert", 0, HFailure::kStop, Make<AAssert> },
@@ -135,8 +143,8 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kAlert, "Alert", 180, HFailure::kNever, MakeStored },
     { HActionType::kComment, "Comment", 0, HFailure::kNever, Make<AComment> },
     { HActionType::kCancel, "Cancel", 0, HFailure::kNever, Make<ACancel> },
-    { HActionType::kMacroGroupToggle, "MacroGroupToggle", 0, HFailure::kNever, MakeStored },
-    { HActionType::kConcealMacroPalettes, "ConcealMacroPalettes", 0, HFailure::kNever, MakeStored },
+    { HActionType::kMacroGroupToggle, "MacroGroupToggle", 0, HFailure::kNever, Make<AMacroGroupToggle> },
+    { HActionType::kConcealMacroPalettes, "ConcealMacroPalettes", 0, HFailure::kNever, Make<AConcealMacroPalettes> },
     { HActionType::kITunesControl, "iTunesControl", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kQuickTimePlayerControl, "QuickTimePlayerControl", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kSafariControl, "SafariControl", 356400, HFailure::kGoOn, MakeStored },
@@ -189,12 +197,12 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kGrowl, "Growl", 0, HFailure::kNever, Make<AGrowl> },
     { HActionType::kLog, "Log", 0, HFailure::kNever, MakeStored },
     { HActionType::kNotification, "Notification", 0, HFailure::kNever, Make<ANotification> },
-    { HActionType::kStreamDeckShow, "StreamDeckShow", 0, HFailure::kNever, MakeStored },
-    { HActionType::kStreamDeckSetTitle, "StreamDeckSetTitle", 0, HFailure::kNever, MakeStored },
-    { HActionType::kStreamDeckSetImage, "StreamDeckSetImage", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetDesktopImage, "SetDesktopImage", 0, HFailure::kStop, MakeStored },
-    { HActionType::kApplicationsPaletteToggle, "ApplicationsPaletteToggle", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSetClipboardToImage, "SetClipboardToImage", 0, HFailure::kStop, MakeStored },
+    { HActionType::kStreamDeckShow, "StreamDeckShow", 0, HFailure::kNever, Make<AStreamDeckShow> },
+    { HActionType::kStreamDeckSetTitle, "StreamDeckSetTitle", 0, HFailure::kNever, Make<AStreamDeckSetTitle> },
+    { HActionType::kStreamDeckSetImage, "StreamDeckSetImage", 0, HFailure::kGoOn, Make<AStreamDeckSetImage> },
+    { HActionType::kSetDesktopImage, "SetDesktopImage", 0, HFailure::kStop, Make<ASetDesktopImage> },
+    { HActionType::kApplicationsPaletteToggle, "ApplicationsPaletteToggle", 0, HFailure::kNever, Make<AApplicationsPaletteToggle> },
+    { HActionType::kSetClipboardToImage, "SetClipboardToImage", 0, HFailure::kStop, Make<ASetClipboardToImage> },
     { HActionType::kSetClipboardToFileReference, "SetClipboardToFileReference", 0, HFailure::kStop, MakeStored },
 };
 // clang-format on

@@ -1,6 +1,7 @@
 #include "Actions/TextActions.h"
 
 #include "Actions/DescriptionText.h"
+#include "Actions/KeyboardActions.h"
 #include "Utility/Text/Localization.h"
 
 // Comment
@@ -49,15 +50,46 @@ void AInsertText::ReadOlderAction( HFieldVisitor& inVisitor )
         inVisitor.NoteOlderKey( "Paste", "Action" );
 }
 
+std::unique_ptr<AInsertText> AInsertText::MakeTyped( const XText& inText, const ApplicationTarget& inTarget )
+{
+    auto action = std::make_unique<AInsertText>();
+    action->SetText( inText );
+    action->mTarget = inTarget;
+    return action;
+}
+
+bool AInsertText::IsPlainTypedInto( const ApplicationTarget& inTarget ) const
+{
+    return mAction == InsertTextAction::kByTyping and not mText.GetStyledText() and mTarget.IsSameAs( inTarget );
+}
+
+std::unique_ptr<HBaseAction> AInsertText::WithText( const Text& inText ) const
+{
+    auto action = std::make_unique<AInsertText>( *this );
+    action->SetText( XText( inText ) );
+    return action;
+}
+
 std::unique_ptr<HBaseAction> AInsertText::Merge( const HBaseAction& inNext ) const
 {
+    if ( const auto* key = dynamic_cast<const ASimulateKeystroke*>( &inNext ) )
+    {
+        const char16_t character = key->GetTypedCharacter();
+        if ( character == 0 or not IsPlainTypedInto( key->GetTarget() ) )
+            return nullptr;
+        return WithText( kvr_format( "%@%C", mText.GetText(), character ) );
+    }
     const auto* next = dynamic_cast<const AInsertText*>( &inNext );
-    if ( not next or mAction != InsertTextAction::kByTyping or next->mAction != mAction or
-        not mTarget.IsSameAs( next->mTarget ) or mText.GetStyledText() or next->mText.GetStyledText() )
+    if ( not next or not IsPlainTypedInto( next->mTarget ) or not next->IsPlainTypedInto( mTarget ) )
         return nullptr;
-    auto merged = std::make_unique<AInsertText>( *this );
-    merged->SetText( XText( mText.GetText().GetText() + next->mText.GetText().GetText() ) );
-    return merged;
+    return WithText( mText.GetText().GetText() + next->mText.GetText().GetText() );
+}
+
+std::unique_ptr<HBaseAction> AInsertText::MergedAfter( char16_t inCharacter, const ApplicationTarget& inTarget ) const
+{
+    if ( not IsPlainTypedInto( inTarget ) )
+        return nullptr;
+    return WithText( kvr_format( "%C%@", inCharacter, mText.GetText() ) );
 }
 
 Text AInsertText::InternalGetActionDescriptionString() const

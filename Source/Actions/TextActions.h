@@ -39,8 +39,14 @@ class AInsertText final : public HActionOf<AInsertText, HActionType::kInsertText
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    /// Two texts typed into the same application become one.
+    /// A text that is typed, as a recording makes it.
+    [[nodiscard]] static std::unique_ptr<AInsertText> MakeTyped(
+        const XText& inText, const ApplicationTarget& inTarget );
+    /// Two texts typed into the same application become one; so do a text and a keystroke that types a character.
     [[nodiscard]] std::unique_ptr<HBaseAction> Merge( const HBaseAction& inNext ) const override;
+    /// This text with a character typed before it; null when they stay two.
+    [[nodiscard]] std::unique_ptr<HBaseAction> MergedAfter(
+        char16_t inCharacter, const ApplicationTarget& inTarget ) const;
 
     [[nodiscard]] const StyledTextSource& GetText() const { return mText; }
     void SetText( const XText& inText ) { mText.SetText( inText ); }
@@ -52,6 +58,8 @@ protected:
 
 private:
     void ReadOlderAction( HFieldVisitor& inVisitor );
+    [[nodiscard]] bool IsPlainTypedInto( const ApplicationTarget& inTarget ) const;
+    [[nodiscard]] std::unique_ptr<HBaseAction> WithText( const Text& inText ) const;
 
     StyledTextSource mText;
     InsertTextAction mAction = InsertTextAction::kByTyping;
