@@ -1,24 +1,20 @@
 #include "Actions/FlowControlActions.h"
 
 #include "Actions/HFieldVisitors.h"
+#include "Actions/RecordedNumbers.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 namespace
 {
-// A plain number, such as a recording writes; a calculation isn't one.
-std::optional<double> PlainNumber( const XText& inText )
+// The length of a pause that is no calculation.
+std::optional<double> PlainTime( const XText& inText )
 {
-    const std::string text = inText.GetUTF8();
-    double number = 0;
-    const auto [end, error] = std::from_chars( text.data(), text.data() + text.size(), number );
-    if ( error != std::errc() or end != text.data() + text.size() or not( number >= 0 and number < 1e12 ) )
-        return {};
-    return number;
+    const std::optional<double> number = kvr_plainNumber( inText );
+    return number and *number >= 0 ? number : std::nullopt;
 }
 
 // The description of an action that is decided by conditions: what it does without any, or a format
@@ -201,7 +197,7 @@ std::unique_ptr<HBaseAction> APause::Merge( const HBaseAction& inNext ) const
     const auto* next = dynamic_cast<const APause*>( &inNext );
     if ( not next or next->mUnit != mUnit )
         return nullptr;
-    const std::optional<double> first = PlainNumber( mTime ), second = PlainNumber( next->mTime );
+    const std::optional<double> first = PlainTime( mTime ), second = PlainTime( next->mTime );
     if ( not first or not second )
         return nullptr;
     auto merged = std::make_unique<APause>( *this );
