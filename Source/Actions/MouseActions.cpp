@@ -57,6 +57,25 @@ void AMouseMoveAndClick::SaveToDictionary( XMutableDictionary& ioDictionary, Rec
         ioDictionary.Set( CFSTR( "RecordedDetails" ), mRecordedDetails );
 }
 
+namespace
+{
+// The steps of a recording one after the other, as far as both are lists of steps.
+__SafeCFPropertyList JoinedDetails( const __SafeCFPropertyList& inFirst, const __SafeCFPropertyList& inSecond )
+{
+    if ( not inSecond )
+        return inFirst;
+    if ( not inFirst.AsArray() or not inSecond.AsArray() )
+        return inSecond;
+    XMutableArray steps;
+    for ( const XPlistArray* details : { inFirst.AsArray(), inSecond.AsArray() } )
+    {
+        for ( std::size_t i = 0; i < details->GetCount(); ++i )
+            steps.Append( details->GetValueAt( i ) );
+    }
+    return steps.Seal();
+}
+} // namespace
+
 bool AMouseMoveAndClick::IsPlainMove() const
 {
     return not mClick and mDrag == MouseDrag::kNone and not mRestoreMouseLocation and
@@ -66,17 +85,23 @@ bool AMouseMoveAndClick::IsPlainMove() const
 std::unique_ptr<HBaseAction> AMouseMoveAndClick::Merge( const HBaseAction& inNext ) const
 {
     const auto* next = dynamic_cast<const AMouseMoveAndClick*>( &inNext );
-    if ( not next )
+    auto merged = next ? MergedWith( *next ) : nullptr;
+    if ( merged )
+        merged->mRecordedDetails = JoinedDetails( mRecordedDetails, next->mRecordedDetails );
+    return merged;
+}
+
+std::unique_ptr<AMouseMoveAndClick> AMouseMoveAndClick::MergedWith( const AMouseMoveAndClick& inNext ) const
+{
+    if ( inNext.IsNextClickOf( *this ) )
+        return std::make_unique<AMouseMoveAndClick>( inNext );
+    const bool goesBack = inNext.mRestoreMouseLocation; // to the place that the move went to
+    if ( not IsPlainMove() or goesBack or ( mModifiers != 0 and mModifiers != inNext.mModifiers ) )
         return nullptr;
-    if ( next->IsNextClickOf( *this ) )
-        return next->Clone();
-    const bool goesBack = next->mRestoreMouseLocation; // to the place that the move went to
-    if ( not IsPlainMove() or goesBack or ( mModifiers != 0 and mModifiers != next->mModifiers ) )
-        return nullptr;
-    if ( next->mRelative == MouseRelative::kMouse )
-        return MovedBy( *next );
-    if ( next->mRelative == mRelative and next->mRelativeCorner == mRelativeCorner )
-        return next->Clone();
+    if ( inNext.mRelative == MouseRelative::kMouse )
+        return MovedBy( inNext );
+    if ( inNext.mRelative == mRelative and inNext.mRelativeCorner == mRelativeCorner )
+        return std::make_unique<AMouseMoveAndClick>( inNext );
     return nullptr;
 }
 
@@ -95,7 +120,7 @@ bool AMouseMoveAndClick::IsNextClickOf( const AMouseMoveAndClick& inFirst ) cons
 }
 
 // The next one as seen from where this move started.
-std::unique_ptr<HBaseAction> AMouseMoveAndClick::MovedBy( const AMouseMoveAndClick& inNext ) const
+std::unique_ptr<AMouseMoveAndClick> AMouseMoveAndClick::MovedBy( const AMouseMoveAndClick& inNext ) const
 {
     const auto horizontal = kvr_plainSum( mHorizontalPosition, inNext.mHorizontalPosition );
     const auto vertical = kvr_plainSum( mVerticalPosition, inNext.mVerticalPosition );

@@ -61,7 +61,8 @@ private:
     void DescribeAction( HFieldVisitor& inVisitor );
     [[nodiscard]] bool IsPlainMove() const;
     [[nodiscard]] bool IsNextClickOf( const AMouseMoveAndClick& inFirst ) const;
-    [[nodiscard]] std::unique_ptr<HBaseAction> MovedBy( const AMouseMoveAndClick& inNext ) const;
+    [[nodiscard]] std::unique_ptr<AMouseMoveAndClick> MergedWith( const AMouseMoveAndClick& inNext ) const;
+    [[nodiscard]] std::unique_ptr<AMouseMoveAndClick> MovedBy( const AMouseMoveAndClick& inNext ) const;
     [[nodiscard]] Text GetPlaceDescription() const;
     [[nodiscard]] Text GetClickDescription() const;
 

@@ -74,18 +74,8 @@ Text AShowPaletteOfMacros::InternalGetActionDescriptionString() const
 
 void AGetTouchBarSelection::DescribeFields( HFieldVisitor& inVisitor )
 {
-    DescribeButtons( inVisitor );
+    inVisitor.Text( "Buttons", mButtons );
     mResult.DescribeFields( inVisitor );
-}
-
-void AGetTouchBarSelection::DescribeButtons( HFieldVisitor& inVisitor )
-{
-    if ( inVisitor.IsReading() or mButtonList )
-        inVisitor.Value( "Buttons", mButtonList );
-    if ( inVisitor.IsReading() and not mButtonList.AsArray() and not mButtonList.AsDictionary() )
-        mButtonList = nullptr;
-    if ( not mButtonList )
-        inVisitor.Text( "Buttons", mButtons );
 }
 
 Text AGetTouchBarSelection::InternalGetActionDescriptionString() const

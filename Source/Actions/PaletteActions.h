@@ -31,10 +31,7 @@ protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
 
 private:
-    void DescribeButtons( HFieldVisitor& inVisitor );
-
     XText mButtons = SharedText<u"none">();
-    __SafeCFPropertyList mButtonList; // instead of the text, kept as it stands
     ActionResult mResult;
 };
 

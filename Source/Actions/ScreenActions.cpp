@@ -32,7 +32,8 @@ void AScreenCapture::DescribeFields( HFieldVisitor& inVisitor )
         mScreenArea.ReadOlderKeys( inVisitor );
     else
         mScreenArea.DescribeIn( inVisitor, "ScreenArea" );
-    inVisitor.Part( "Destination", mDestination );
+    inVisitor.Text( "Destination", mPath );
+    inVisitor.Part( "Destination", mClipboard );
 }
 
 std::vector<Text> AScreenCapture::ActionCouldBeRegExStrings() const
@@ -47,8 +48,9 @@ std::vector<Text> AScreenCapture::GetAddActionByNameExtraSearchString() const
 
 Text AScreenCapture::InternalGetActionDescriptionString() const
 {
-    return kvr_localizedFormat(
-        u"kvScreenCaptureDescriptionFormat", mScreenArea.GetDescription(), mDestination.GetDisplayName() );
+    const bool isToFile = mClipboard.GetKind() == ClipboardTarget::Kind::kSystem and not mPath.IsEmpty();
+    return kvr_localizedFormat( u"kvScreenCaptureDescriptionFormat", mScreenArea.GetDescription(),
+        isToFile ? mPath.GetText() : mClipboard.GetDisplayName() );
 }
 
 // Find Image on Screen

@@ -37,7 +37,7 @@ class AScreenCapture final : public HActionOf<AScreenCapture, HActionType::kScre
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    void UpdateToDefaultValues( bool inForce ) override { mDestination.UpdateToDefaultValues( inForce ); }
+    void UpdateToDefaultValues( bool inForce ) override { mClipboard.UpdateToDefaultValues( inForce ); }
     [[nodiscard]] std::vector<Text> ActionCouldBeRegExStrings() const override;
     [[nodiscard]] std::vector<Text> GetAddActionByNameExtraSearchString() const override;
 
@@ -48,7 +48,8 @@ private:
     bool mIncludeShadows = false;
     bool mAlwaysNominalResolution = false;
     HScreenArea mScreenArea;
-    ClipboardTarget mDestination;
+    XText mPath = SharedText<u"">();
+    ClipboardTarget mClipboard; // goes before the path, unless it is the system's
 };
 
 class AFindImage final : public HActionOf<AFindImage, HActionType::kFindImage>

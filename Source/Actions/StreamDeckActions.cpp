@@ -32,8 +32,7 @@ void AStreamDeckSetImage::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Text( "ButtonID", mButtonID );
     inVisitor.Name( "FromType", mFrom );
     inVisitor.Text( "MacroUID", mMacroUID, { .mIsUID = true } );
-    if ( mFrom == StreamDeckFromType::kClipboard )
-        inVisitor.Part( "Target", mClipboard );
+    inVisitor.Part( "Target", mClipboard ); // of other kinds too: no save drops a reference to a named clipboard
     inVisitor.Value( "Icon", mIcon );
 }
 

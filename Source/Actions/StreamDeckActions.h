@@ -60,6 +60,6 @@ private:
     XText mButtonID = SharedText<u"R1C1">();
     StreamDeckFromType mFrom = StreamDeckFromType::kDefault;
     XText mMacroUID = SharedText<u"">();
-    ClipboardTarget mClipboard; // of that kind only, in the file too
+    ClipboardTarget mClipboard;
     __SafeCFPropertyList mIcon; // kept as it stands
 };

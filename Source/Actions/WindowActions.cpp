@@ -139,6 +139,8 @@ void ASelectMenuItem::DescribeFields( HFieldVisitor& inVisitor )
 
 Text ASelectMenuItem::GetMenuPath() const
 {
+    if ( const auto* title = mMenu.AsString() )
+        return title->GetText();
     Text path;
     const XPlistArray* titles = mMenu.AsArray();
     for ( std::size_t i = 0; titles and i < titles->GetCount(); ++i )

@@ -143,6 +143,20 @@ TEST( RecordedActions, AMoveGoesUpInWhatTheMouseDoesNext )
     }
 }
 
+TEST( RecordedActions, TheDetailsOfBothStayInTheirOrder )
+{
+    const auto moved = [details = "RecordedDetails"]( const Action& inFirst, const Action& inSecond ) {
+        const Action move = Mouse( u"Move", u"Absolute", u"1", u"2" );
+        const auto first = HBaseAction::CreateFromPropertyList( With( move, details, inFirst ) );
+        const auto second = HBaseAction::CreateFromPropertyList( With( move, details, inSecond ) );
+        return At( first->Merge( *second )->CopyToPropertyList( RecordedDetails::kYes ), details );
+    };
+    const Action one = Array( { Int( 1 ) } ), two = Array( { Int( 2 ) } );
+    EXPECT_EQ( moved( one, two ), Array( { Int( 1 ), Int( 2 ) } ) );
+    EXPECT_EQ( moved( one, {} ), one );
+    EXPECT_EQ( moved( {}, two ), two );
+}
+
 TEST( RecordedActions, TheClicksOfADoubleClickAreOne )
 {
     const Action click = Mouse( u"Click", u"Absolute", u"30", u"40" );
