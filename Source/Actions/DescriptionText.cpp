@@ -86,3 +86,11 @@ Text kvr_macroGroupName( const XText& inUID )
     const MMacroSerializedObject* group = MMacroSerializedObject::FindObjectByUID( inUID );
     return group ? group->GetUnambiguousName() : kvr_localized( u"kvMacroGroupUnknownUnambiguousName" );
 }
+
+Text kvr_withDestination( TextView inDescription, const ActionTextDestination& inDestination )
+{
+    if ( inDestination.GetSourceType() == ActionTextSourceType::kSource )
+        return Text( inDescription );
+    return kvr_localizedFormat( u"kvActionTextDestinationDescriptionFormat", inDescription,
+        TextView( inDestination.GetActionDescriptionString() ) );
+}

@@ -4,6 +4,7 @@
 #include "CFMethods/PropertyList.h"
 
 class ApplicationTarget;
+class ActionTextDestination;
 
 /// The beginning of a text on one line, to stand within a description: at most 60 units, "…" behind it if more follows.
 [[nodiscard]] Text kvr_excerpt( const XText& inText );
@@ -21,3 +22,5 @@ class ApplicationTarget;
 [[nodiscard]] Text kvr_macroName( const XText& inUID );
 /// The same of a macro group.
 [[nodiscard]] Text kvr_macroGroupName( const XText& inUID );
+/// What an action does, with the place that its result goes to, unless that is where its text came from.
+[[nodiscard]] Text kvr_withDestination( TextView inDescription, const ActionTextDestination& inDestination );
