@@ -1,10 +1,14 @@
 #include "Actions/HActionType.h"
 
+#include "Actions/ASetActionDelay.h"
 #include "Actions/AStoredAction.h"
 #include "Actions/ASwitch.h"
 #include "Actions/ApplicationActions.h"
+#include "Actions/ClipboardActions.h"
+#include "Actions/DictionaryActions.h"
 #include "Actions/FileActions.h"
 #include "Actions/FileAttributeActions.h"
+#include "Actions/FilterActions.h"
 #include "Actions/FlowControlActions.h"
 #include "Actions/ImageActions.h"
 #include "Actions/InternalActions.h"
@@ -16,10 +20,13 @@
 #include "Actions/PaletteActions.h"
 #include "Actions/ScreenActions.h"
 #include "Actions/ScriptActions.h"
+#include "Actions/SearchActions.h"
 #include "Actions/SettingActions.h"
 #include "Actions/StreamDeckActions.h"
+#include "Actions/SubstringActions.h"
 #include "Actions/SwitcherActions.h"
 #include "Actions/TextActions.h"
+#include "Actions/VariableActions.h"
 #include "Actions/WebActions.h"
 #include "Actions/WindowActions.h"
 #include "XCAF/XErrorHandler.h"
@@ -124,7 +131,7 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kTransformImage, "TransformImage", 0, HFailure::kGoOn, Make<ATransformImage> },
     { HActionType::kResizeImage, "ResizeImage", 0, HFailure::kGoOn, Make<AResizeImage> },
     { HActionType::kCompositeImage, "CompositeImage", 0, HFailure::kGoOn, Make<ACompositeImage> },
-    { HActionType::kCopyClipboard, "CopyClipboard", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kCopyClipboard, "CopyClipboard", 0, HFailure::kGoOn, Make<ACopyClipboard> },
     { HActionType::kDrawImage, "DrawImage", 0, HFailure::kGoOn, Make<ADrawImage> },
     { HActionType::kGetImageSize, "GetImageSize", 0, HFailure::kNever, Make<AGetImageSize> },
     { HActionType::kTrimImage, "TrimImage", 0, HFailure::kGoOn, Make<ATrimImage> },
@@ -140,7 +147,7 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kGroup, "Group", 356400, HFailure::kNever, Make<AGroup> },
     { HActionType::kIfThenElse, "IfThenElse", 356400, HFailure::kNever, Make<AIfThenElse> },
     { HActionType::kSwitch, "Switch", 0, HFailure::kNever, Make<ASwitch> },
-    { HActionType::kAlert, "Alert", 180, HFailure::kNever, MakeStored },
+    { HActionType::kAlert, "Alert", 180, HFailure::kNever, Make<AAlert> },
     { HActionType::kComment, "Comment", 0, HFailure::kNever, Make<AComment> },
     { HActionType::kCancel, "Cancel", 0, HFailure::kNever, Make<ACancel> },
     { HActionType::kMacroGroupToggle, "MacroGroupToggle", 0, HFailure::kNever, Make<AMacroGroupToggle> },
@@ -148,24 +155,24 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kITunesControl, "iTunesControl", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kQuickTimePlayerControl, "QuickTimePlayerControl", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kSafariControl, "SafariControl", 356400, HFailure::kGoOn, MakeStored },
-    { HActionType::kClipboardSwitcherMacroAction, "ClipboardSwitcherMacroAction", 10, HFailure::kNever, MakeStored, "hkClipboardSwitcher" },
-    { HActionType::kCutCopyPaste, "CutCopyPaste", 10, HFailure::kNever, MakeStored },
-    { HActionType::kSetClipboardToText, "SetClipboardToText", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetClipboardToPastClipboard, "SetClipboardToPastClipboard", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetClipboardToNamedClipboard, "SetClipboardToNamedClipboard", 0, HFailure::kNever, MakeStored },
-    { HActionType::kDeletePastClipboard, "DeletePastClipboard", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSaveClipboardToNamedClipboard, "SaveClipboardToNamedClipboard", 0, HFailure::kNever, MakeStored },
-    { HActionType::kFilterClipboard, "FilterClipboard", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSearchReplaceClipboard, "SearchReplaceClipboard", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kApplyStyle, "ApplyStyle", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kApplyTextFactory, "ApplyTextFactory", 0, HFailure::kGoOn, MakeStored },
+    { HActionType::kClipboardSwitcherMacroAction, "ClipboardSwitcherMacroAction", 10, HFailure::kNever, Make<AClipboardSwitcherMacroAction>, "hkClipboardSwitcher" },
+    { HActionType::kCutCopyPaste, "CutCopyPaste", 10, HFailure::kNever, Make<ACutCopyPaste> },
+    { HActionType::kSetClipboardToText, "SetClipboardToText", 0, HFailure::kGoOn, Make<ASetClipboardToText> },
+    { HActionType::kSetClipboardToPastClipboard, "SetClipboardToPastClipboard", 0, HFailure::kGoOn, Make<ASetClipboardToPastClipboard> },
+    { HActionType::kSetClipboardToNamedClipboard, "SetClipboardToNamedClipboard", 0, HFailure::kNever, Make<ASetClipboardToNamedClipboard> },
+    { HActionType::kDeletePastClipboard, "DeletePastClipboard", 0, HFailure::kGoOn, Make<ADeletePastClipboard> },
+    { HActionType::kSaveClipboardToNamedClipboard, "SaveClipboardToNamedClipboard", 0, HFailure::kNever, Make<ASaveClipboardToNamedClipboard> },
+    { HActionType::kFilterClipboard, "FilterClipboard", 0, HFailure::kNever, Make<AFilterClipboard> },
+    { HActionType::kSearchReplaceClipboard, "SearchReplaceClipboard", 0, HFailure::kGoOn, Make<ASearchReplaceClipboard> },
+    { HActionType::kApplyStyle, "ApplyStyle", 0, HFailure::kGoOn, Make<AApplyStyle> },
+    { HActionType::kApplyTextFactory, "ApplyTextFactory", 0, HFailure::kGoOn, Make<AApplyTextFactory> },
     { HActionType::kSetVariableToText, "SetVariableToText", 0, HFailure::kStop, Make<ASetVariableToText> },
-    { HActionType::kSetVariablesToJSON, "SetVariablesToJSON", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSetJSONValue, "SetJSONValue", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSetDictionaryToJSON, "SetDictionaryToJSON", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSetDictionaryValue, "SetDictionaryValue", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSetVariableToKeychainPassword, "SetVariableToKeychainPassword", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSetKeychainPasswordToText, "SetKeychainPasswordToText", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSetVariablesToJSON, "SetVariablesToJSON", 0, HFailure::kStop, Make<ASetVariablesToJSON> },
+    { HActionType::kSetJSONValue, "SetJSONValue", 0, HFailure::kStop, Make<ASetJSONValue> },
+    { HActionType::kSetDictionaryToJSON, "SetDictionaryToJSON", 0, HFailure::kStop, Make<ASetDictionaryToJSON> },
+    { HActionType::kSetDictionaryValue, "SetDictionaryValue", 0, HFailure::kStop, Make<ASetDictionaryValue> },
+    { HActionType::kSetVariableToKeychainPassword, "SetVariableToKeychainPassword", 0, HFailure::kStop, Make<ASetVariableToKeychainPassword> },
+    { HActionType::kSetKeychainPasswordToText, "SetKeychainPasswordToText", 0, HFailure::kNever, Make<ASetKeychainPasswordToText> },
     { HActionType::kSetVariableToSafariField, "SetVariableToSafariField", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kSetSafariFieldToText, "SetSafariFieldToText", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kSetSafariCheckbox, "SetSafariCheckbox", 0, HFailure::kGoOn, MakeStored },
@@ -173,17 +180,17 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kSetMailStatus, "SetMailStatus", 0, HFailure::kGoOn, MakeStored },
     { HActionType::kMailSendMessage, "MailSendMessage", 0, HFailure::kNever, MakeStored },
     { HActionType::kSendSMS, "SendSMS", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSetVariableToCalculation, "SetVariableToCalculation", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSetActionDelay, "SetActionDelay", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSearchReplaceVariable, "SearchReplaceVariable", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSearchReplace, "SearchReplace", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSearchVariable, "SearchVariable", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSearchRegEx, "SearchRegEx", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSearchClipboard, "SearchClipboard", 0, HFailure::kStop, MakeStored },
-    { HActionType::kSubstring, "Substring", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kUseVariable, "UseVariable", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kFilterVariable, "FilterVariable", 0, HFailure::kNever, MakeStored },
-    { HActionType::kFilter, "Filter", 0, HFailure::kNever, MakeStored },
+    { HActionType::kSetVariableToCalculation, "SetVariableToCalculation", 0, HFailure::kStop, Make<ASetVariableToCalculation> },
+    { HActionType::kSetActionDelay, "SetActionDelay", 0, HFailure::kNever, Make<ASetActionDelay> },
+    { HActionType::kSearchReplaceVariable, "SearchReplaceVariable", 0, HFailure::kNever, Make<ASearchReplaceVariable> },
+    { HActionType::kSearchReplace, "SearchReplace", 0, HFailure::kGoOn, Make<ASearchReplace> },
+    { HActionType::kSearchVariable, "SearchVariable", 0, HFailure::kStop, Make<ASearchVariable> },
+    { HActionType::kSearchRegEx, "SearchRegEx", 0, HFailure::kStop, Make<ASearchRegEx> },
+    { HActionType::kSearchClipboard, "SearchClipboard", 0, HFailure::kStop, Make<ASearchClipboard> },
+    { HActionType::kSubstring, "Substring", 0, HFailure::kGoOn, Make<ASubstring> },
+    { HActionType::kUseVariable, "UseVariable", 0, HFailure::kGoOn, Make<AUseVariable> },
+    { HActionType::kFilterVariable, "FilterVariable", 0, HFailure::kNever, Make<AFilterVariable> },
+    { HActionType::kFilter, "Filter", 0, HFailure::kNever, Make<AFilter> },
     { HActionType::kPromptWithList, "PromptWithList", 356400, HFailure::kStop, MakeStored },
     { HActionType::kPromptForUserInput, "PromptForUserInput", 356400, HFailure::kNever, MakeStored },
     { HActionType::kPromptForFile, "PromptForFile", 0, HFailure::kStop, MakeStored },
@@ -195,7 +202,7 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kSystemVolume, "SystemVolume", 0, HFailure::kNever, MakeStored },
     { HActionType::kSendMIDIMessage, "SendMIDIMessage", 0, HFailure::kStop, MakeStored },
     { HActionType::kGrowl, "Growl", 0, HFailure::kNever, Make<AGrowl> },
-    { HActionType::kLog, "Log", 0, HFailure::kNever, MakeStored },
+    { HActionType::kLog, "Log", 0, HFailure::kNever, Make<ALog> },
     { HActionType::kNotification, "Notification", 0, HFailure::kNever, Make<ANotification> },
     { HActionType::kStreamDeckShow, "StreamDeckShow", 0, HFailure::kNever, Make<AStreamDeckShow> },
     { HActionType::kStreamDeckSetTitle, "StreamDeckSetTitle", 0, HFailure::kNever, Make<AStreamDeckSetTitle> },
@@ -203,7 +210,7 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kSetDesktopImage, "SetDesktopImage", 0, HFailure::kStop, Make<ASetDesktopImage> },
     { HActionType::kApplicationsPaletteToggle, "ApplicationsPaletteToggle", 0, HFailure::kNever, Make<AApplicationsPaletteToggle> },
     { HActionType::kSetClipboardToImage, "SetClipboardToImage", 0, HFailure::kStop, Make<ASetClipboardToImage> },
-    { HActionType::kSetClipboardToFileReference, "SetClipboardToFileReference", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetClipboardToFileReference, "SetClipboardToFileReference", 0, HFailure::kStop, Make<ASetClipboardToFileReference> },
 };
 // clang-format on
 static_assert( std::size( kActionTypes ) == kHActionTypeCount );

@@ -1,6 +1,7 @@
 #include "Actions/NotificationActions.h"
 
-#include "Macros/MLoadObserver.h"
+#include "Actions/DescriptionText.h"
+#include "Actions/LegacyUpgrade.h"
 #include "Utility/Text/Localization.h"
 
 namespace
@@ -12,6 +13,39 @@ struct NotificationDefaults
     XText mText{ kvr_localized( u"kNotificationDefaultText" ) };
 };
 } // namespace
+
+// Alert
+
+void AAlert::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Text( "Title", mTitle );
+    inVisitor.Text( "Text", mText );
+    inVisitor.Text( "SoundPath", mSoundPath );
+}
+
+Text AAlert::InternalGetActionDescriptionString() const
+{
+    const XText& shown = mTitle.IsEmpty() ? mText : mTitle;
+    if ( shown.IsEmpty() )
+        return GetActionTitle();
+    return kvr_localizedFormat( u"kvAlertDescriptionFormat", TextView( kvr_excerpt( shown ) ) );
+}
+
+// Log
+
+void ALog::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Text( "Text", mText );
+}
+
+Text ALog::InternalGetActionDescriptionString() const
+{
+    if ( mText.IsEmpty() )
+        return GetActionTitle();
+    return kvr_localizedFormat( u"kvLogDescriptionFormat", TextView( kvr_excerpt( mText ) ) );
+}
+
+// Notification
 
 ANotification::ANotification()
 {
@@ -45,11 +79,8 @@ void AGrowl::DescribeFields( HFieldVisitor& inVisitor )
 
 std::unique_ptr<HBaseAction> AGrowl::CleanActionAfterInitialization( const XPlistDictionary& inDictionary )
 {
-    auto notification = std::make_unique<ANotification>();
-    notification->ResetBaseProperties( inDictionary );
+    auto notification = MakeModernForm<ANotification>( *this, inDictionary );
     notification->SetTitle( mTitle );
     notification->SetText( mText );
-    if ( MLoadObserver* observer = MLoadObserver::Current() )
-        observer->DidUpgradeType( inDictionary, u"Growl", u"Notification" );
     return notification;
 }

@@ -4,6 +4,32 @@
 #include "Actions/HBaseAction.h"
 #include "Actions/SharedText.h"
 
+class AAlert final : public HActionOf<AAlert, HActionType::kAlert>
+{
+public:
+    void DescribeFields( HFieldVisitor& inVisitor ) override;
+
+protected:
+    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+
+private:
+    XText mTitle = SharedText<u"">();
+    XText mText = SharedText<u"">();
+    XText mSoundPath = SharedText<u"">();
+};
+
+class ALog final : public HActionOf<ALog, HActionType::kLog>
+{
+public:
+    void DescribeFields( HFieldVisitor& inVisitor ) override;
+
+protected:
+    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+
+private:
+    XText mText = SharedText<u"">();
+};
+
 class ANotification final : public HActionOf<ANotification, HActionType::kNotification>
 {
 public:

@@ -2,7 +2,10 @@
 
 #include "Actions/DescriptionText.h"
 #include "Actions/KeyboardActions.h"
+#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
+#include "Utility/Text/StringHelpers.h"
+#include "Utility/Text/StyledText.h"
 
 // Comment
 
@@ -12,13 +15,22 @@ void AComment::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Data( "StyledText", mStyledText );
     if ( not mStyledText )
         inVisitor.Text( "Text", mText, { .mWrite = XWrite::kWhenSet } );
+    else if ( StringSearchee* searchee = inVisitor.Searchee() )
+        searchee->Add( GetPlainText() );
+}
+
+Text AComment::GetPlainText() const
+{
+    if ( not mStyledText )
+        return mText.GetText();
+    return kvr_plainTextFromRTF( mStyledText->GetBytes() ).value_or( Text() );
 }
 
 Text AComment::InternalGetActionDescriptionString() const
 {
-    if ( mTitle.IsEmpty() )
-        return GetActionTitle();
-    return kvr_localizedFormat( u"kvCommentDescriptionFormat", TextView( mTitle.GetText() ) );
+    const Text shown =
+        mTitle.IsEmpty() ? kvr_excerpt( XText( kvr_stringByTrimmingWhitespace( GetPlainText() ) ) ) : mTitle.GetText();
+    return shown.empty() ? GetActionTitle() : kvr_localizedFormat( u"kvCommentDescriptionFormat", TextView( shown ) );
 }
 
 // Insert Text

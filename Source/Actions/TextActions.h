@@ -14,6 +14,9 @@ protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
 
 private:
+    /// What people read: the styled text without its styles, or the text of older files.
+    [[nodiscard]] Text GetPlainText() const;
+
     XText mTitle = SharedText<u"">();
     CFContainer<XPlistData> mStyledText;
     XText mText = SharedText<u"">(); // of older files, until there is a styled text
