@@ -92,15 +92,20 @@ bool ClipboardReference::UpdateClipboardReference( bool inForce )
     if ( not gClipboardNames )
         return false;
     const Text unnamed = kvr_localized( u"UnnamedClipboardName" );
-    const Text deprecated = kvr_localized( u"DeprecatedDefaultClipboardName" );
     Text uid = mUID.GetText(), name = mName.GetText();
-    const bool isUnnamed = name.empty() or name == deprecated or name == unnamed;
-    if ( inForce or ( uid.empty() and isUnnamed ) )
+
+    // 1. Out of use, so that the store doesn't take this reference for another holder of the UID.
+    RemoveFromUse( mUID );
+    // 2. What says nothing, or is to be found anew, starts from its name.
+    const bool needsName = name.empty() or name == kvr_localized( u"DeprecatedDefaultClipboardName" );
+    if ( inForce or ( uid.empty() and ( needsName or name == unnamed ) ) )
     {
         uid.clear();
-        name = unnamed;
+        if ( needsName )
+            name = unnamed;
     }
-    if ( const std::optional<Text> known = gClipboardNames->StrictGetClipboardNameByUID( uid ) )
+    // 3. The clipboard's name of today, or 4. the clipboard of that name.
+    if ( const auto known = uid.empty() ? std::nullopt : gClipboardNames->StrictGetClipboardNameByUID( uid ) )
         name = *known;
     else if ( name.empty() )
         name = unnamed;
@@ -108,10 +113,16 @@ bool ClipboardReference::UpdateClipboardReference( bool inForce )
         uid = gClipboardNames->GetClipboardUIDByName( name ).value_or( uid );
     else
         uid = gClipboardNames->GetOrCreateClipboard( name, uid );
-    if ( mUID.Equals( uid ) and mName.Equals( name ) )
-        return false;
-    Set( XText( uid ), XText( name ) );
-    return true;
+    // 5. Whoever holds the reference has the macros reloaded.
+    const bool changed = not mUID.Equals( uid ) or not mName.Equals( name );
+    if ( changed )
+    {
+        mUID = XText( uid );
+        mName = XText( name );
+    }
+    // 6. In use again.
+    AddToUse( mUID );
+    return changed;
 }
 
 ClipboardReference ClipboardReference::Updated() const

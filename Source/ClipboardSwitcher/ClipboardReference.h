@@ -47,9 +47,10 @@ public:
     void SetClipboardUID( const XText& inUID );
     void Set( const XText& inUID, const XText& inName );
 
-    /// Follows the store: a clipboard that was renamed gives its new name, one that is missing is made anew. Forced, it
-    /// becomes the clipboard without a name. True when the reference changed; whoever holds it then has the macros
-    /// reloaded, after the save if there is one under way. Without a store nothing changes.
+    /// Follows the store: a clipboard that was renamed gives its new name, one that is missing is made anew. Forced, the
+    /// UID doesn't count: the reference becomes that of the clipboard with its name. True when the reference changed;
+    /// whoever holds it then has the macros reloaded, after the save if there is one under way. Without a store nothing
+    /// changes.
     bool UpdateClipboardReference( bool inForce );
     /// As it would be after an update that isn't forced.
     [[nodiscard]] ClipboardReference Updated() const;
