@@ -2,8 +2,7 @@
 
 #include "Actions/SharedText.h"
 #include "Utility/Text/Localization.h"
-
-#include <string>
+#include "XCAF/XErrorHandler.h"
 
 void DescribeClipboard(
     HFieldVisitor& inVisitor, HFieldKey inUIDKey, HFieldKey inNameKey, ClipboardReference& ioReference )
@@ -24,36 +23,41 @@ void DescribeClipboard(
 
 namespace
 {
-struct TargetKeys
+// A key with the prefix of its part, put together on the stack: a large file has these parts by the hundred thousand.
+class PrefixedKey
 {
-    explicit TargetKeys( std::string_view inPrefix )
-        : mUseNamed( Make( inPrefix, "UseNamedClipboard" ) ),
-          mUseTrigger( Make( inPrefix, "UseTriggerClipboard" ) ),
-          mUID( Make( inPrefix, "NamedClipboardUID" ) ),
-          mName( Make( inPrefix, "NamedClipboardRedundantDisplayName" ) )
-    {}
+public:
+    PrefixedKey( std::string_view inPrefix, std::string_view inRest )
+    {
+        XAssert( inPrefix.size() + inRest.size() <= kLongest );
+        mLength = inPrefix.copy( mName, kLongest );
+        mLength += inRest.copy( mName + mLength, kLongest - mLength );
+    }
 
-    std::string mUseNamed, mUseTrigger, mUID, mName;
+    [[nodiscard]] HFieldKey Key() const { return HFieldKey( XKey( std::string_view( mName, mLength ) ) ); }
 
 private:
-    static std::string Make( std::string_view inPrefix, std::string_view inRest )
-    {
-        return std::string( inPrefix ).append( inRest );
-    }
+    static constexpr std::size_t kLongest = 80;
+
+    char mName[kLongest];
+    std::size_t mLength = 0;
 };
 } // namespace
 
 void ClipboardTarget::DescribeFields( HFieldVisitor& inVisitor, std::string_view inPrefix )
 {
-    const TargetKeys keys( inPrefix );
     bool useNamed = mKind == Kind::kNamed;
-    inVisitor.Boolean( HFieldKey( XKey( keys.mUseNamed ) ), useNamed, { .mWrite = XWrite::kWhenSet } );
+    inVisitor.Boolean( PrefixedKey( inPrefix, "UseNamedClipboard" ).Key(), useNamed, { .mWrite = XWrite::kWhenSet } );
     bool useTrigger = mKind == Kind::kTrigger;
-    inVisitor.Boolean( HFieldKey( XKey( keys.mUseTrigger ) ), useTrigger, { .mWrite = XWrite::kWhenSet } );
+    inVisitor.Boolean(
+        PrefixedKey( inPrefix, "UseTriggerClipboard" ).Key(), useTrigger, { .mWrite = XWrite::kWhenSet } );
     if ( inVisitor.IsReading() )
         mKind = useNamed ? Kind::kNamed : useTrigger ? Kind::kTrigger : Kind::kSystem;
-    if ( mKind == Kind::kNamed )
-        DescribeClipboard( inVisitor, HFieldKey( XKey( keys.mUID ) ), HFieldKey( XKey( keys.mName ) ), mReference );
+    if ( mKind != Kind::kNamed )
+        return;
+    const PrefixedKey uid( inPrefix, "NamedClipboardUID" );
+    const PrefixedKey name( inPrefix, "NamedClipboardRedundantDisplayName" );
+    DescribeClipboard( inVisitor, uid.Key(), name.Key(), mReference );
 }
 
 void ClipboardTarget::SetNamed( const ClipboardReference& inReference )
