@@ -13,9 +13,12 @@ void ASetActionDelay::DescribeFields( HFieldVisitor& inVisitor )
 
 Text ASetActionDelay::InternalGetActionDescriptionString() const
 {
+    const TextView delay = HDelayPreference::GetDisplayName( mPreference );
+    if ( mValue.IsEmpty() and not mReset )
+        return kvr_localizedFormat( u"kvSetActionDelayNoValueDescriptionFormat", delay );
     const Text key =
         kvr_format( "kvSetActionDelayReset%dPermanent%dDescriptionFormat", int( mReset ), int( mPermanent ) );
     const TextView number = mValue.Equals( TextView( u"1" ) ) ? u"Singular" : u"Plural";
-    return kvr_localizedFormat( key, HDelayPreference::GetDisplayName( mPreference ), TextView( kvr_excerpt( mValue ) ),
+    return kvr_localizedFormat( key, delay, TextView( kvr_excerpt( mValue ) ),
         TextView( kvr_localized( kvr_format( "PauseUnitSeconds%@", number ) ) ) );
 }
