@@ -1,12 +1,15 @@
 #include "Triggers/TBaseTrigger.h"
 
+#include "Actions/HFieldVisitors.h"
 #include "CFMethods/PropertyListCodec.h"
 #include "Macros/MLoadObserver.h"
-#include "Triggers/TStoredTrigger.h"
+#include "Triggers/TTriggerFactory.h"
 #include "Utility/Search/StringSearchee.h"
+#include "Utility/Search/StringSearcher.h"
 #include "Utility/Text/Localization.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
+#include "XCAF/XIcon.h"
 
 #include <algorithm>
 
@@ -32,11 +35,58 @@ std::optional<TriggerType> TriggerTypeFromName( const XText& inName, bool& outOl
     return {};
 }
 
+void TBaseTrigger::SaveSubclassToDictionary( XMutableDictionary& ioDictionary ) const
+{
+    HSavingVisitor visitor( ioDictionary );
+    const_cast<TBaseTrigger*>( this )->DescribeFields( visitor ); // writes to no member
+}
+
+void TBaseTrigger::LoadSubclassFromDictionary( const XPlistDictionary& inDictionary )
+{
+    HReadingVisitor visitor( inDictionary );
+    DescribeFields( visitor );
+}
+
+int TBaseTrigger::CompareWithSame( const TBaseTrigger& inOther ) const
+{
+    return HComparingVisitor::Compare( *this, inOther );
+}
+
+const TTriggerFactory& TBaseTrigger::GetTriggerFactory() const
+{
+    return TTriggerFactory::GetTriggerFactory( GetTriggerType() );
+}
+
+bool TBaseTrigger::MatchesHotKey( unsigned, unsigned ) const
+{
+    return false;
+}
+
+Text TBaseTrigger::GetTriggerTypeDescription() const
+{
+    return kvr_localized(
+        u"t" + TextFromASCII( kTriggerTypeNames[std::size_t( GetTriggerType() )] ) + u"TriggerTitle" );
+}
+
+XIcon TBaseTrigger::GetXIcon() const
+{
+    return GetTriggerFactory().GetTriggerIcon();
+}
+
 void TBaseTrigger::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     ioSearchee.AddTrigger( GetTriggerTypeDescription() );
     ioSearchee.AddTrigger( GetDescription() );
     ioSearchee.AddTrigger( GetShortDescription() );
+}
+
+bool TBaseTrigger::MatchesTextSearch( StringSearcher& ioSearcher ) const
+{
+    if ( ioSearcher.Useless() )
+        return true;
+    StringSearchee searchee;
+    AddMatchStrings( searchee );
+    return ioSearcher.Matches( searchee );
 }
 
 std::unique_ptr<TBaseTrigger> TBaseTrigger::CreateFromPropertyList( const __SafeCFPropertyList& inValue )
@@ -52,7 +102,7 @@ std::unique_ptr<TBaseTrigger> TBaseTrigger::CreateFromPropertyList( const __Safe
         observer->DidUpgradeType(
             *dictionary, name.GetText(), TextFromASCII( kTriggerTypeNames[std::size_t( *type )] ) );
 
-    auto trigger = std::make_unique<TStoredTrigger>( *type );
+    std::unique_ptr<TBaseTrigger> trigger = TTriggerFactory::GetTriggerFactory( *type ).CreateTrigger();
     trigger->LoadSubclassFromDictionary( *dictionary );
     return trigger;
 }
@@ -94,43 +144,4 @@ void TTriggerList::RemoveValueAtIndex( std::size_t inIndex )
     XAssert( inIndex < GetCount() );
     if ( inIndex < GetCount() )
         mTriggers.erase( mTriggers.begin() + std::ptrdiff_t( inIndex ) );
-}
-
-void TStoredTrigger::SaveSubclassToDictionary( XMutableDictionary& ioDictionary ) const
-{
-    if ( mKeys )
-        ioDictionary.SetAll( *mKeys );
-}
-
-void TStoredTrigger::LoadSubclassFromDictionary( const XPlistDictionary& inDictionary )
-{
-    XMutableDictionary keys;
-    keys.SetAll( inDictionary );
-    keys.Set( kTypeKey, nullptr );
-    mKeys = keys.Seal();
-}
-
-// There is no order among contents that aren't understood, so their bytes give one.
-int TStoredTrigger::CompareWithSame( const TBaseTrigger& inOther ) const
-{
-    const auto& other = static_cast<const TStoredTrigger&>( inOther );
-    const __SafeCFPropertyList a( mKeys ), b( other.mKeys );
-    if ( a == b )
-        return 0;
-    if ( not a or not b )
-        return a ? 1 : -1;
-    const XBytes x = WriteBinaryPropertyList( a ), y = WriteBinaryPropertyList( b );
-    return x.View() < y.View() ? -1 : 1;
-}
-
-std::unique_ptr<TBaseTrigger> TStoredTrigger::Clone() const
-{
-    auto clone = std::make_unique<TStoredTrigger>( mType );
-    clone->mKeys = mKeys;
-    return clone;
-}
-
-Text TStoredTrigger::GetTriggerTypeDescription() const
-{
-    return kvr_localized( u"t" + TextFromASCII( kTriggerTypeNames[std::size_t( mType )] ) + u"TriggerTitle" );
 }
