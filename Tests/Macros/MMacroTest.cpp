@@ -61,11 +61,10 @@ TEST_F( Macro, ATriggerThatCannotBeUnderstoodIsDroppedAlone )
 {
     const auto macro = LoadedMacro( MacroWith( u"M",
         { { "Triggers",
-            Array( { Trigger( u"Wake", { { "Kept", Int( 1 ) } } ), Trigger( u"Nonsense" ), Str( u"x" ), Dict( {} ),
+            Array( { Trigger( u"Wake", { { "Unknown", Int( 1 ) } } ), Trigger( u"Nonsense" ), Str( u"x" ), Dict( {} ),
                 Trigger( u"FloatingPalette" ), Trigger( u"MenuBar" ), Trigger( u"wake" ) } ) } } ) );
     EXPECT_EQ( At( macro->CopyToPropertyList(), "Triggers" ),
-        Array(
-            { Trigger( u"Wake", { { "Kept", Int( 1 ) } } ), Trigger( u"MacroPalette" ), Trigger( u"StatusMenu" ) } ) );
+        Array( { Trigger( u"Wake" ), Trigger( u"MacroPalette" ), Trigger( u"StatusMenu" ) } ) );
     macro->GetTriggerList().DoForEveryValue(
         [&]( const TBaseTrigger& trigger ) { EXPECT_EQ( trigger.GetMacro(), macro.get() ); } );
 }
@@ -129,7 +128,7 @@ TEST_F( Macro, AHotKeyIsWhatAMacroIsKnownByElseTheFirstTriggerThatMayBeShown )
     {
         XMutableArray triggers;
         for ( const char16_t* const kind : kinds )
-            triggers.Append( Trigger( kind ) );
+            triggers.Append( LoadableTrigger( kind ) );
         const auto macro = LoadedMacro( MacroWith( u"M", { { "Triggers", triggers.Seal() } } ) );
         const auto at = [&]( int index ) {
             return index < 0 ? nullptr : macro->GetTriggerList().GetValueAtIndex( std::size_t( index ) );
@@ -245,7 +244,7 @@ struct RandomMacros : Macro, HMacroStats
             std::numeric_limits<double>::quiet_NaN() };
         XMutableArray triggers;
         for ( std::size_t count = Below( 3 ); count > 0; --count )
-            triggers.Append( Trigger( kKinds[Below( 4 )], { { "KeyCode", Int( std::int64_t( Below( 2 ) ) ) } } ) );
+            triggers.Append( With( LoadableTrigger( kKinds[Below( 4 )] ), "KeyCode", Int( std::int64_t( Below( 2 ) ) ) ) );
         return LoadedMacro( MacroWith( u"R" + Text( inIndex, u'x' ),
             { { "Name", Str( kNames[Below( 8 )] ) }, { "Triggers", triggers.Seal() },
                 { "CreationDate", Real( kTimes[Below( 7 )] ) },
@@ -301,7 +300,7 @@ TEST_F( Macro, WhatDecidesEachOrder )
     const auto named = [this]( TextView uid, TextView name, std::initializer_list<PlistEntry> more = {} ) {
         return LoadedMacro( With( MacroWith( uid, more ), "Name", Str( name ) ) );
     };
-    const auto withHotKey = PlistEntry{ "Triggers", Array( { Trigger( u"HotKey" ) } ) };
+    const auto withHotKey = PlistEntry{ "Triggers", Array( { HotKeyTrigger( 3 ) } ) };
     const auto withWake = PlistEntry{ "Triggers", Array( { Trigger( u"Wake" ) } ) };
     const auto z = named( u"1", u"z" ), a10 = named( u"2", u"a 10" ), a2 = named( u"3", u"A 2" );
     const auto bare = named( u"4", u"m" ), bareToo = named( u"5", u"m" ), key = named( u"6", u"m", { withHotKey } ),

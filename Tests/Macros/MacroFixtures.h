@@ -77,6 +77,37 @@ inline __SafeCFPropertyList Trigger( TextView inKind, std::initializer_list<Plis
     return With( Dict( { { "MacroTriggerType", Str( inKind ) } } ), inEntries );
 }
 
+inline __SafeCFPropertyList HotKeyTrigger( std::int64_t inKeyCode, std::int64_t inModifiers = 256 )
+{
+    return Trigger( u"HotKey", { { "KeyCode", Int( inKeyCode ) }, { "Modifiers", Int( inModifiers ) } } );
+}
+
+/// With what the kind must have to be loaded and to be of use.
+inline __SafeCFPropertyList LoadableTrigger( TextView inKind )
+{
+    if ( inKind == u"HotKey" )
+        return HotKeyTrigger( 3 );
+    if ( inKind == u"Time" )
+        return Trigger( inKind, { { "ExecuteType", Str( u"Login" ) } } );
+    if ( inKind == u"TypedString" )
+        return Trigger( inKind, { { "TypedString", Str( u"teh" ) } } );
+    if ( inKind == u"MIDI" )
+        return Trigger( inKind, { { "Device", Str( u"Keys" ) }, { "Channel", Int( 1 ) }, { "Note", Int( 60 ) } } );
+    if ( inKind == u"HID" )
+        return Trigger( inKind,
+            { { "ElementName", Str( u"Pedal" ) }, { "ElementVendorID", Int( 1 ) }, { "ElementProductID", Int( 2 ) },
+                { "ElementDeviceUsagePage", Int( 3 ) }, { "ElementDeviceUsage", Int( 4 ) },
+                { "ElementUsagePage", Int( 5 ) }, { "ElementUsage", Int( 6 ) }, { "ElementCookie", Int( 7 ) },
+                { "ElementValue", Int( 8 ) } } );
+    if ( inKind == u"Folder" )
+        return Trigger( inKind, { { "Interest", Dict( { { "UID2", Str( u"I" ) } } ) } } );
+    if ( inKind == u"Gesture" )
+        return Trigger( inKind, { { "Gesture", Str( u"RDL" ) } } );
+    if ( inKind == u"Idle" )
+        return Trigger( inKind, { { "Idle", Int( 60 ) } } );
+    return Trigger( inKind );
+}
+
 inline __SafeCFPropertyList ExecuteMacro( TextView inUID )
 {
     return ActionDict( u"ExecuteMacro", { { "MacroUID", Str( inUID ) } } );

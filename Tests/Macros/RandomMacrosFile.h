@@ -164,8 +164,8 @@ private:
         Base( macro );
         Maybe( macro, "ModificationDate", Real( double( Below( 4 ) ) * 0.6 ) );
         Maybe( macro, "Triggers", Several( 3, [this] {
-            return Trigger( TextFromASCII( kTriggerTypeNames[Below( std::size( kTriggerTypeNames ) )] ),
-                { { "More", mValues.Next() } } );
+            return With( LoadableTrigger( TextFromASCII( kTriggerTypeNames[Below( std::size( kTriggerTypeNames ) )] ) ),
+                "More", mValues.Next() );
         } ) );
         Maybe( macro, "Actions", Several( 3, [this] { return Action( 2 ); } ) );
         return macro.Seal();
