@@ -79,9 +79,17 @@ private:
     __SafeCFPropertyList Trigger()
     {
         XMutableDictionary trigger;
-        trigger.SetText( CFSTR( "MacroTriggerType" ), Below( 3 ) ? u"HotKey" : u"TypedString" );
+        if ( Below( 3 ) == 0 )
+        {
+            trigger.SetText( CFSTR( "MacroTriggerType" ), u"TypedString" );
+            trigger.SetText( CFSTR( "TypedString" ), Pick( std::span( kWords ) ) );
+            trigger.SetBoolean( CFSTR( "SimulateDeletes" ), true );
+            trigger.SetBoolean( CFSTR( "OnlyAfterWordBreak" ), false );
+            return trigger.Seal();
+        }
+        trigger.SetText( CFSTR( "MacroTriggerType" ), u"HotKey" );
         trigger.SetInteger( CFSTR( "KeyCode" ), std::int64_t( Below( 127 ) ) );
-        trigger.SetInteger( CFSTR( "Modifiers" ), std::int64_t( Below( 64 ) * 256 ) );
+        trigger.SetInteger( CFSTR( "Modifiers" ), std::int64_t( Below( 4 ) * 256 ) ); // of command and shift
         trigger.SetText( CFSTR( "FireType" ), u"Pressed" );
         return trigger.Seal();
     }

@@ -1,10 +1,19 @@
 #include "Triggers/TFolderTrigger.h"
 
 #include "Utility/Text/Localization.h"
+#include "XCAF/XException.h"
 
 void TFolderTrigger::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Converted( "Interest", mInterest, { .mRequiredAs = "interest" } );
+    inVisitor.Converted( "Interest", mInterest );
+}
+
+void TFolderTrigger::LoadSubclassFromDictionary( const XPlistDictionary& inDictionary )
+{
+    const XPlistDictionary* const dictionary = &inDictionary;
+    CFContainer<XPlistDictionary> interest;
+    XThrowIfNot( dictionary->Get( CFSTR("Interest"), interest ) );
+    TBaseTrigger::LoadSubclassFromDictionary( inDictionary );
 }
 
 Text TFolderTrigger::GetDescription() const

@@ -8,6 +8,8 @@ class TFolderTrigger final : public TTriggerOf<TFolderTrigger, TriggerType::kFol
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    /// Throws "dictionary->Get( CFSTR("Interest"), interest )" without a dictionary there.
+    void LoadSubclassFromDictionary( const XPlistDictionary& inDictionary ) override;
     [[nodiscard]] Text GetDescription() const override;
     [[nodiscard]] Text GetShortDescription() const override;
 
