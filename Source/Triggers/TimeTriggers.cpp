@@ -1,5 +1,6 @@
 #include "Triggers/TimeTriggers.h"
 
+#include "Macros/MLoadObserver.h"
 #include "Utility/Text/DisplayStrings.h"
 #include "Utility/Text/Localization.h"
 #include "XCAF/XException.h"
@@ -46,11 +47,8 @@ void TTimeTrigger::DescribeRepeat( HFieldVisitor& inVisitor )
     inVisitor.Integer( "RepeatTime", mRepeatTime );
     if ( not inVisitor.IsReading() )
         return;
-    if ( repeats and mExecuteType != ExecuteType::kWhile )
-    {
+    if ( repeats )
         mExecuteType = ExecuteType::kWhile;
-        inVisitor.NoteRepair( "ExecuteType", u"what repeats does so between two times" );
-    }
     if ( mExecuteType == ExecuteType::kWhile and mRepeatTime <= 0 )
     {
         mRepeatTime = 60;
@@ -82,6 +80,10 @@ void TTimeTrigger::LoadSubclassFromDictionary( const XPlistDictionary& inDiction
         std::ranges::any_of( NamesOf( mExecuteType ), [&type]( TextView name ) { return type.Equals( name ); } );
     XThrowIfNot( gotExecuteType );
     TBaseTrigger::LoadSubclassFromDictionary( inDictionary );
+    // Earlier versions had no type for what repeats, only the flag.
+    MLoadObserver* const observer = MLoadObserver::Current();
+    if ( observer and not type.Equals( StoredName( mExecuteType ) ) )
+        observer->DidUpgradeValue( inDictionary, CFSTR( "ExecuteType" ), u"what repeats does so between two times" );
 }
 
 void TTimeTrigger::SetExecuteTime( std::int8_t inHour, std::int8_t inMinute )

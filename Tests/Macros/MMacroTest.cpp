@@ -62,7 +62,8 @@ TEST_F( Macro, ATriggerThatCannotBeUnderstoodIsDroppedAlone )
     const auto macro = LoadedMacro( MacroWith( u"M",
         { { "Triggers",
             Array( { Trigger( u"Wake", { { "Unknown", Int( 1 ) } } ), Trigger( u"Nonsense" ), Str( u"x" ), Dict( {} ),
-                Trigger( u"FloatingPalette" ), Trigger( u"MenuBar" ), Trigger( u"wake" ) } ) } } ) );
+                Trigger( u"FloatingPalette" ), Trigger( u"MenuBar" ), Trigger( u"wake" ),
+                HotKeyTrigger( 32767 ) } ) } } ) );
     EXPECT_EQ( At( macro->CopyToPropertyList(), "Triggers" ),
         Array( { Trigger( u"Wake" ), Trigger( u"MacroPalette" ), Trigger( u"StatusMenu" ) } ) );
     macro->GetTriggerList().DoForEveryValue(
@@ -244,7 +245,8 @@ struct RandomMacros : Macro, HMacroStats
             std::numeric_limits<double>::quiet_NaN() };
         XMutableArray triggers;
         for ( std::size_t count = Below( 3 ); count > 0; --count )
-            triggers.Append( With( LoadableTrigger( kKinds[Below( 4 )] ), "KeyCode", Int( std::int64_t( Below( 2 ) ) ) ) );
+            triggers.Append(
+                With( LoadableTrigger( kKinds[Below( 4 )] ), "KeyCode", Int( std::int64_t( Below( 2 ) ) ) ) );
         return LoadedMacro( MacroWith( u"R" + Text( inIndex, u'x' ),
             { { "Name", Str( kNames[Below( 8 )] ) }, { "Triggers", triggers.Seal() },
                 { "CreationDate", Real( kTimes[Below( 7 )] ) },

@@ -410,6 +410,10 @@ TEST( TimeTrigger, TheExecuteTypeIsRequiredAndRepeatingIsAForm )
         EXPECT_EQ( At( saved, "RepeatTime" ), Int( repeatTime ) ) << Shown( value );
         EXPECT_EQ( At( saved, "WhichDays" ), Int( days ) ) << Shown( value );
     }
+    NotesTaken notes;
+    (void)LoadedTrigger( time( { { "Repeat", Bool( true ) } } ) );
+    (void)LoadedTrigger( time( { { "WhichDays", Int( 255 ) } } ) );
+    EXPECT_THAT( notes.mNotes, testing::ElementsAre( "upgraded ExecuteType", "repaired WhichDays" ) );
     for ( const std::int64_t hour : { 128, -129 } )
         EXPECT_EQ( At( ReloadedTrigger( time( { { "TimeHour", Int( hour ) } } ) ), "TimeHour" ), Int( 8 ) );
 }

@@ -113,7 +113,7 @@ TEST( TriggerWords, ReadAsSentences )
         { Trigger( u"Volume", { { "Name", Str( u"Backup" ) } } ), u"A volume named “Backup” is mounted" },
         { Trigger( u"USBDevice", { { "TargetType", Str( u"Any" ) }, { "Attach", Bool( false ) } } ),
             u"Any USB device is detached" },
-        { With( LoadableTrigger( u"MIDI" ), "Kind", Str( u"Note" ) ), u"MIDI note 60 is pressed on channel 1 of Keys" },
+        { With( LoadableTrigger( u"MIDI" ), "Kind", Str( u"Note" ) ), u"MIDI note 60 is pressed on channel 1 (Keys)" },
         { Trigger( u"Idle", { { "Idle", Int( 600 ) }, { "AndAfter", Int( 30 ) } } ),
             u"The computer has been idle for 10 minutes, and again after every further 30 seconds" },
         { Trigger( u"Gesture",
