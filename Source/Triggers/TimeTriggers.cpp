@@ -16,7 +16,7 @@ namespace
 void DescribeSmall( HFieldVisitor& inVisitor, HFieldKey inKey, std::int8_t& ioValue )
 {
     using Limits = std::numeric_limits<std::int8_t>;
-    std::int32_t value = ioValue;
+    auto value = std::int32_t( ioValue );
     inVisitor.Integer( inKey, value );
     if ( not inVisitor.IsReading() )
         return;
@@ -165,7 +165,7 @@ Text TTimeTrigger::GetDaysDescription() const
         return kvr_localized( u"tTimeTrigger_Weekends" );
     if ( mWhichDays == kEveryDay )
         return kvr_localized( u"tTimeTrigger_EveryDay" );
-    const Text range = WeekdayRange( mWhichDays );
+    Text range = WeekdayRange( mWhichDays );
     if ( range.empty() )
         return CertainDays( mWhichDays );
     const std::uint16_t weekend = mWhichDays & kWeekends;
