@@ -120,11 +120,20 @@ void AFor::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     HLoopAction::AddMatchStrings( ioSearchee );
     ioSearchee.Add( mVariable );
+    mCollections.AddMatchStrings( ioSearchee );
+}
+
+void AFor::UpdateToDefaultValues( bool inFlag )
+{
+    mCollections.UpdateToDefaultValues( inFlag );
 }
 
 Text AFor::InternalGetActionDescriptionString() const
 {
-    return kvr_localizedFormat( u"kvForTitle", TextView( mVariable.GetText() ) );
+    if ( mCollections.Empty() )
+        return kvr_localizedFormat( u"kvForTitle", TextView( mVariable.GetText() ) );
+    return kvr_localizedFormat(
+        u"kvForInTitle", TextView( mVariable.GetText() ), TextView( mCollections.GetDescription() ) );
 }
 
 // One text for no collection, one for one, one for more.

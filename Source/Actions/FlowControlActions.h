@@ -65,6 +65,7 @@ public:
     [[nodiscard]] virtual XText GetVariable() const { return mVariable; }
     [[nodiscard]] CCollectionList& GetCollections() { return mCollections; }
     void AddMatchStrings( StringSearchee& ioSearchee ) const override;
+    void UpdateToDefaultValues( bool inFlag ) override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
