@@ -94,3 +94,11 @@ Text kvr_withDestination( TextView inDescription, const ActionTextDestination& i
     return kvr_localizedFormat( u"kvActionTextDestinationDescriptionFormat", inDescription,
         TextView( inDestination.GetActionDescriptionString() ) );
 }
+
+Text kvr_commandDescription( TextView inFamily, TextView inCommand, const XText& inArgument )
+{
+    const Text withArgument = kvr_format( "%@%@ArgumentDescriptionFormat", inFamily, inCommand );
+    if ( inArgument.IsEmpty() or not kvr_hasLocalized( withArgument ) )
+        return kvr_localized( kvr_format( "%@%@Description", inFamily, inCommand ) );
+    return kvr_localizedFormat( withArgument, TextView( kvr_excerpt( inArgument ) ) );
+}

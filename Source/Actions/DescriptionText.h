@@ -24,3 +24,6 @@ class ActionTextDestination;
 [[nodiscard]] Text kvr_macroGroupName( const XText& inUID );
 /// What an action does, with the place that its result goes to, unless that is where its text came from.
 [[nodiscard]] Text kvr_withDestination( TextView inDescription, const ActionTextDestination& inDestination );
+/// What a command with an argument does: the text of "<family><command>ArgumentDescriptionFormat", if the command
+/// takes an argument and has one, else of "<family><command>Description".
+[[nodiscard]] Text kvr_commandDescription( TextView inFamily, TextView inCommand, const XText& inArgument );

@@ -14,17 +14,23 @@
 #include "Actions/InternalActions.h"
 #include "Actions/KeyboardActions.h"
 #include "Actions/MacroActions.h"
+#include "Actions/MailActions.h"
+#include "Actions/MediaActions.h"
 #include "Actions/MouseActions.h"
 #include "Actions/NotificationActions.h"
 #include "Actions/OpenActions.h"
 #include "Actions/PaletteActions.h"
+#include "Actions/PromptActions.h"
+#include "Actions/SafariActions.h"
 #include "Actions/ScreenActions.h"
 #include "Actions/ScriptActions.h"
 #include "Actions/SearchActions.h"
 #include "Actions/SettingActions.h"
+#include "Actions/SoundActions.h"
 #include "Actions/StreamDeckActions.h"
 #include "Actions/SubstringActions.h"
 #include "Actions/SwitcherActions.h"
+#include "Actions/SystemActions.h"
 #include "Actions/TextActions.h"
 #include "Actions/VariableActions.h"
 #include "Actions/WebActions.h"
@@ -152,9 +158,9 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kCancel, "Cancel", 0, HFailure::kNever, Make<ACancel> },
     { HActionType::kMacroGroupToggle, "MacroGroupToggle", 0, HFailure::kNever, Make<AMacroGroupToggle> },
     { HActionType::kConcealMacroPalettes, "ConcealMacroPalettes", 0, HFailure::kNever, Make<AConcealMacroPalettes> },
-    { HActionType::kITunesControl, "iTunesControl", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kQuickTimePlayerControl, "QuickTimePlayerControl", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSafariControl, "SafariControl", 356400, HFailure::kGoOn, MakeStored },
+    { HActionType::kITunesControl, "iTunesControl", 0, HFailure::kGoOn, Make<AiTunesControl> },
+    { HActionType::kQuickTimePlayerControl, "QuickTimePlayerControl", 0, HFailure::kGoOn, Make<AQuickTimePlayerControl> },
+    { HActionType::kSafariControl, "SafariControl", 356400, HFailure::kGoOn, Make<ASafariControl> },
     { HActionType::kClipboardSwitcherMacroAction, "ClipboardSwitcherMacroAction", 10, HFailure::kNever, Make<AClipboardSwitcherMacroAction>, "hkClipboardSwitcher" },
     { HActionType::kCutCopyPaste, "CutCopyPaste", 10, HFailure::kNever, Make<ACutCopyPaste> },
     { HActionType::kSetClipboardToText, "SetClipboardToText", 0, HFailure::kGoOn, Make<ASetClipboardToText> },
@@ -173,13 +179,13 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kSetDictionaryValue, "SetDictionaryValue", 0, HFailure::kStop, Make<ASetDictionaryValue> },
     { HActionType::kSetVariableToKeychainPassword, "SetVariableToKeychainPassword", 0, HFailure::kStop, Make<ASetVariableToKeychainPassword> },
     { HActionType::kSetKeychainPasswordToText, "SetKeychainPasswordToText", 0, HFailure::kNever, Make<ASetKeychainPasswordToText> },
-    { HActionType::kSetVariableToSafariField, "SetVariableToSafariField", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetSafariFieldToText, "SetSafariFieldToText", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetSafariCheckbox, "SetSafariCheckbox", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetSafariRadio, "SetSafariRadio", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kSetMailStatus, "SetMailStatus", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kMailSendMessage, "MailSendMessage", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSendSMS, "SendSMS", 0, HFailure::kStop, MakeStored },
+    { HActionType::kSetVariableToSafariField, "SetVariableToSafariField", 0, HFailure::kGoOn, Make<ASetVariableToSafariField> },
+    { HActionType::kSetSafariFieldToText, "SetSafariFieldToText", 0, HFailure::kGoOn, Make<ASetSafariFieldToText> },
+    { HActionType::kSetSafariCheckbox, "SetSafariCheckbox", 0, HFailure::kGoOn, Make<ASetSafariCheckbox> },
+    { HActionType::kSetSafariRadio, "SetSafariRadio", 0, HFailure::kGoOn, Make<ASetSafariRadio> },
+    { HActionType::kSetMailStatus, "SetMailStatus", 0, HFailure::kGoOn, Make<ASetMailStatus> },
+    { HActionType::kMailSendMessage, "MailSendMessage", 0, HFailure::kNever, Make<AMailSendMessage> },
+    { HActionType::kSendSMS, "SendSMS", 0, HFailure::kStop, Make<ASendSMS> },
     { HActionType::kSetVariableToCalculation, "SetVariableToCalculation", 0, HFailure::kStop, Make<ASetVariableToCalculation> },
     { HActionType::kSetActionDelay, "SetActionDelay", 0, HFailure::kNever, Make<ASetActionDelay> },
     { HActionType::kSearchReplaceVariable, "SearchReplaceVariable", 0, HFailure::kNever, Make<ASearchReplaceVariable> },
@@ -191,16 +197,16 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kUseVariable, "UseVariable", 0, HFailure::kGoOn, Make<AUseVariable> },
     { HActionType::kFilterVariable, "FilterVariable", 0, HFailure::kNever, Make<AFilterVariable> },
     { HActionType::kFilter, "Filter", 0, HFailure::kNever, Make<AFilter> },
-    { HActionType::kPromptWithList, "PromptWithList", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kPromptForUserInput, "PromptForUserInput", 356400, HFailure::kNever, MakeStored },
-    { HActionType::kPromptForFile, "PromptForFile", 0, HFailure::kStop, MakeStored },
-    { HActionType::kCustomPrompt, "CustomPrompt", 356400, HFailure::kStop, MakeStored },
-    { HActionType::kSpeakText, "SpeakText", 356400, HFailure::kNever, MakeStored },
-    { HActionType::kPlaySound, "PlaySound", 356400, HFailure::kGoOn, MakeStored },
-    { HActionType::kSystemAction, "SystemAction", 0, HFailure::kGoOn, MakeStored },
-    { HActionType::kDebuggerAction, "DebuggerAction", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSystemVolume, "SystemVolume", 0, HFailure::kNever, MakeStored },
-    { HActionType::kSendMIDIMessage, "SendMIDIMessage", 0, HFailure::kStop, MakeStored },
+    { HActionType::kPromptWithList, "PromptWithList", 356400, HFailure::kStop, Make<APromptWithList> },
+    { HActionType::kPromptForUserInput, "PromptForUserInput", 356400, HFailure::kNever, Make<APromptForUserInput> },
+    { HActionType::kPromptForFile, "PromptForFile", 0, HFailure::kStop, Make<APromptForFile> },
+    { HActionType::kCustomPrompt, "CustomPrompt", 356400, HFailure::kStop, Make<ACustomPrompt> },
+    { HActionType::kSpeakText, "SpeakText", 356400, HFailure::kNever, Make<ASpeakText> },
+    { HActionType::kPlaySound, "PlaySound", 356400, HFailure::kGoOn, Make<APlaySound> },
+    { HActionType::kSystemAction, "SystemAction", 0, HFailure::kGoOn, Make<ASystemAction> },
+    { HActionType::kDebuggerAction, "DebuggerAction", 0, HFailure::kNever, Make<ADebuggerAction> },
+    { HActionType::kSystemVolume, "SystemVolume", 0, HFailure::kNever, Make<ASystemVolume> },
+    { HActionType::kSendMIDIMessage, "SendMIDIMessage", 0, HFailure::kStop, Make<ASendMIDIMessage> },
     { HActionType::kGrowl, "Growl", 0, HFailure::kNever, Make<AGrowl> },
     { HActionType::kLog, "Log", 0, HFailure::kNever, Make<ALog> },
     { HActionType::kNotification, "Notification", 0, HFailure::kNever, Make<ANotification> },

@@ -1,0 +1,127 @@
+#include "Actions/PromptActions.h"
+
+#include "Actions/DescriptionText.h"
+#include "Utility/Search/StringSearchee.h"
+#include "Utility/Text/Localization.h"
+#include "Utility/Work/Random.h"
+
+#include <ranges>
+
+namespace
+{
+// The texts of a value that is kept as it stands, in its order. Not by recursion: the value may be nested
+// as deep as files are.
+void AddTexts( StringSearchee& ioSearchee, const __SafeCFPropertyList& inValue )
+{
+    std::vector<const XPlistNode*> waiting;
+    if ( inValue )
+        waiting.push_back( inValue.GetNode() );
+    while ( not waiting.empty() )
+    {
+        const __SafeCFPropertyList value( waiting.back() );
+        waiting.pop_back();
+        if ( const XPlistString* text = value.AsString() )
+            ioSearchee.Add( text->GetText() );
+        else if ( const XPlistArray* array = value.AsArray() )
+            std::ranges::copy( array->Nodes() | std::views::reverse, std::back_inserter( waiting ) );
+        else if ( const XPlistDictionary* dictionary = value.AsDictionary() )
+        {
+            for ( const auto& entry : dictionary->GetEntries() | std::views::reverse )
+                waiting.push_back( entry.mValue );
+        }
+    }
+}
+} // namespace
+
+// Prompt with List
+
+APromptWithList::APromptWithList() : mPromptUID( uuidString() ) {}
+
+void APromptWithList::DescribeFields( HFieldVisitor& inVisitor )
+{
+    mSource.DescribeFields( inVisitor );
+    if ( not inVisitor.Searchee() ) // no words of the user's
+        inVisitor.Text( "PromptUID", mPromptUID );
+    if ( inVisitor.IsReading() and mPromptUID.IsEmpty() )
+    {
+        mPromptUID = uuidString();
+        inVisitor.NoteRepair( "PromptUID", u"is empty; the prompt gets a new one" );
+    }
+    inVisitor.Text( "WindowTitle", mWindowTitle );
+    inVisitor.Text( "InitialSearch", mInitialSearch );
+    inVisitor.Name( "WindowWidth", mWindowWidth );
+    inVisitor.Boolean( "AllowMultiple", mAllowMultiple );
+    inVisitor.Boolean( "Sort", mSort );
+}
+
+void APromptWithList::UpdateForPasteOrAdd()
+{
+    mPromptUID = uuidString();
+}
+
+Text APromptWithList::InternalGetActionDescriptionString() const
+{
+    const Text source = mSource.GetActionDescriptionString();
+    if ( mWindowTitle.IsEmpty() )
+        return kvr_localizedFormat( u"kvPromptWithListDescriptionFormat", TextView( source ) );
+    return kvr_localizedFormat(
+        u"kvPromptWithListTitledDescriptionFormat", TextView( kvr_excerpt( mWindowTitle ) ), TextView( source ) );
+}
+
+// Prompt for User Input
+
+void APromptForUserInput::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Text( "Title", mTitle );
+    inVisitor.Text( "Prompt", mPrompt );
+    inVisitor.Value( "Variables", mVariables );
+    inVisitor.Value( "Buttons", mButtons );
+    if ( StringSearchee* searchee = inVisitor.Searchee() )
+    {
+        AddTexts( *searchee, mVariables );
+        AddTexts( *searchee, mButtons );
+    }
+}
+
+Text APromptForUserInput::InternalGetActionDescriptionString() const
+{
+    if ( mTitle.IsEmpty() )
+        return GetActionTitle();
+    return kvr_localizedFormat( u"kvPromptForUserInputDescriptionFormat", TextView( kvr_excerpt( mTitle ) ) );
+}
+
+// Prompt for File
+
+void APromptForFile::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Name( "FileType", mFileType );
+    inVisitor.Variable( "Variable", mVariable );
+    inVisitor.Text( "Parameter", mParameter );
+    inVisitor.Text( "WindowTitle", mWindowTitle );
+    inVisitor.Text( "Location", mLocation );
+}
+
+Text APromptForFile::InternalGetActionDescriptionString() const
+{
+    return kvr_localizedFormat(
+        kvr_format( "kvPromptForFile%@DescriptionFormat", StoredName( mFileType ) ), TextView( mVariable.GetText() ) );
+}
+
+// Custom Prompt
+
+void ACustomPrompt::DescribeFields( HFieldVisitor& inVisitor )
+{
+    inVisitor.Boolean( "UseText", mUseText );
+    inVisitor.Boolean( "Floating", mFloating );
+    inVisitor.Boolean( "Asynchronously", mAsynchronously );
+    inVisitor.Boolean( "Resizable", mResizable );
+    inVisitor.Text( "Text", mText );
+    inVisitor.Text( "Path", mPath );
+}
+
+Text ACustomPrompt::InternalGetActionDescriptionString() const
+{
+    if ( mUseText )
+        return kvr_localizedFormat( u"kvCustomPromptTextDescriptionFormat", TextView( kvr_excerpt( mText ) ) );
+    return kvr_localizedFormat( u"kvCustomPromptFileDescriptionFormat", TextView( kvr_fileName( mPath ) ) );
+}
