@@ -1,5 +1,6 @@
 #include "Actions/HActionType.h"
 
+#include "Actions/APlugIn.h"
 #include "Actions/ASetActionDelay.h"
 #include "Actions/AStoredAction.h"
 #include "Actions/ASwitch.h"
@@ -95,7 +96,7 @@ constexpr HActionTypeRow kActionTypes[] = {
     { HActionType::kSetFileIcon, "SetFileIcon", 0, HFailure::kGoOn, Make<ASetFileIcon> },
     { HActionType::kNewFolder, "NewFolder", 0, HFailure::kGoOn, Make<ANewFolder> },
     { HActionType::kSplitPath, "SplitPath", 0, HFailure::kStop, Make<ASplitPath> },
-    { HActionType::kPlugIn, "PlugIn", 356400, HFailure::kStop, MakeStored },
+    { HActionType::kPlugIn, "PlugIn", 356400, HFailure::kStop, Make<APlugIn> },
     { HActionType::kGetFileAttribute, "GetFileAttribute", 0, HFailure::kGoOn, Make<AGetFileAttribute> },
     { HActionType::kSetFileAttribute, "SetFileAttribute", 0, HFailure::kGoOn, Make<ASetFileAttribute> },
     { HActionType::kOpen1File, "Open1File", 0, HFailure::kStop, Make<AOpen1File> },

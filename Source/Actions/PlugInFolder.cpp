@@ -1,0 +1,139 @@
+#include "Actions/PlugInFolder.h"
+
+#include "CFMethods/PropertyListCodec.h"
+#include "Defines/KVPreferences.h"
+#include "Utility/Text/FileHelpers.h"
+#include "Utility/Text/TextCompare.h"
+#include "XCAF/XErrorHandler.h"
+#include "XCAF/XFileWriting.h"
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+
+namespace
+{
+constexpr TextView kFolderName = u"Korvalen Actions";
+constexpr TextView kInformationFileName = u"Korvalen Action.plist";
+constexpr std::size_t kMostInformationBytes = std::size_t( 4 ) << 20;
+
+class Cache
+{
+public:
+    [[nodiscard]] CFContainer<XPlistDictionary> Find( const Text& inName )
+    {
+        const std::lock_guard lock( mMutex );
+        const auto found = mInformation.find( inName );
+        return found == mInformation.end() ? nullptr : found->second;
+    }
+    void Insert( const Text& inName, const CFContainer<XPlistDictionary>& inInformation )
+    {
+        const std::lock_guard lock( mMutex );
+        mInformation.insert_or_assign( inName, inInformation );
+    }
+    void Clear()
+    {
+        const std::lock_guard lock( mMutex );
+        mInformation.clear();
+    }
+
+private:
+    std::mutex mMutex;
+    std::map<Text, CFContainer<XPlistDictionary>> mInformation; // none is null
+};
+
+Cache& gCache()
+{
+    static Cache gTheCache;
+    return gTheCache;
+}
+
+std::filesystem::path InformationFile( const std::filesystem::path& inFolder )
+{
+    return inFolder / UTF8FromText( kInformationFileName );
+}
+
+CFContainer<XPlistDictionary> ReadInformation( const XText& inName )
+{
+    const auto folder = PlugInFolder::FolderForName( inName );
+    if ( not folder )
+        return nullptr;
+    const XFileContent content = ReadWholeFile( InformationFile( *folder ), kMostInformationBytes );
+    if ( content.mError )
+        return nullptr;
+    const XPlistReadResult result = ReadPropertyList( content.mBytes.Span() );
+    return CFContainer<XPlistDictionary>::Share( result.mValue.AsDictionary() );
+}
+
+constexpr bool IsNameUnit( char16_t inUnit )
+{
+    return ( inUnit >= u'A' and inUnit <= u'Z' ) or ( inUnit >= u'a' and inUnit <= u'z' ) or
+        ( inUnit >= u'0' and inUnit <= u'9' ) or inUnit == u'_';
+}
+
+bool IsName( TextView inText )
+{
+    return not inText.empty() and std::all_of( inText.begin(), inText.end(), IsNameUnit );
+}
+} // namespace
+
+CFContainer<XPlistDictionary> PlugInFolder::InformationForFolderName( const XText& inName )
+{
+    const Text name = inName.GetText();
+    if ( auto information = gCache().Find( name ) )
+        return information;
+    // Read outside of the lock: nobody waits for somebody else's disk.
+    auto information = ReadInformation( inName );
+    if ( information )
+        gCache().Insert( name, information );
+    else
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Invalid Plug In Action with Name %@", name );
+    return information;
+}
+
+void PlugInFolder::ClearCache()
+{
+    gCache().Clear();
+}
+
+std::vector<Text> PlugInFolder::ListPlugIns()
+{
+    std::vector<Text> names;
+    std::error_code error;
+    std::filesystem::directory_iterator entry( KVPreferences::FilePath( kFolderName ), error );
+    for ( ; not error and entry != std::filesystem::directory_iterator(); entry.increment( error ) )
+    {
+        // A folder without an information file is somebody's, but no broken plug-in.
+        std::error_code ofEntry;
+        const auto name = TextFromStrictUTF8( entry->path().filename().native() );
+        if ( name and entry->is_directory( ofEntry ) and
+            std::filesystem::exists( InformationFile( entry->path() ), ofEntry ) and InformationForFolderName( *name ) )
+            names.push_back( *name );
+    }
+    std::sort( names.begin(), names.end(),
+        []( const Text& a, const Text& b ) { return localizedStandardCompare( a, b ) < 0; } );
+    return names;
+}
+
+bool PlugInFolder::UnzipLikelyContains( TextView inListing )
+{
+    return inListing.find( kInformationFileName ) != TextView::npos;
+}
+
+std::optional<std::filesystem::path> PlugInFolder::FolderForName( const XText& inName )
+{
+    const Text name = inName.GetText();
+    const bool isOutside = name.find( u'/' ) != Text::npos or name == u"." or name == u"..";
+    const auto path = kvr_fileSystemPath( name );
+    if ( isOutside or not path or FindLoneSurrogate( name ) )
+        return {};
+    return KVPreferences::FilePath( kFolderName ) / *path;
+}
+
+bool PlugInFolder::IsSafeFileName( TextView inName )
+{
+    const std::size_t dot = inName.find( u'.' );
+    if ( dot == TextView::npos )
+        return IsName( inName );
+    return IsName( inName.substr( 0, dot ) ) and IsName( inName.substr( dot + 1 ) );
+}
