@@ -76,7 +76,9 @@ void APlugIn::DescribeFields( HFieldVisitor& inVisitor )
 
 void APlugIn::DescribeParameters( HFieldVisitor& inVisitor )
 {
-    __SafeCFPropertyList value = mParameters;
+    __SafeCFPropertyList value;
+    if ( not inVisitor.IsReading() )
+        value = mParameters;
     inVisitor.Value( "PlugInParameters", value, { .mWrite = XWrite::kAlways } );
     if ( inVisitor.IsReading() )
     {
