@@ -5,7 +5,7 @@
 #include "Utility/Text/Localization.h"
 #include "Utility/Work/Random.h"
 
-#include <ranges>
+#include <vector>
 
 namespace
 {
@@ -22,12 +22,14 @@ void AddTexts( StringSearchee& ioSearchee, const __SafeCFPropertyList& inValue )
         waiting.pop_back();
         if ( const XPlistString* text = value.AsString() )
             ioSearchee.Add( text->GetText() );
+        // Turned about, for the last one that waits is the next to be looked at.
         else if ( const XPlistArray* array = value.AsArray() )
-            std::ranges::copy( array->Nodes() | std::views::reverse, std::back_inserter( waiting ) );
+            waiting.insert( waiting.end(), array->Nodes().rbegin(), array->Nodes().rend() );
         else if ( const XPlistDictionary* dictionary = value.AsDictionary() )
         {
-            for ( const auto& entry : dictionary->GetEntries() | std::views::reverse )
-                waiting.push_back( entry.mValue );
+            const auto entries = dictionary->GetEntries();
+            for ( auto entry = entries.rbegin(); entry != entries.rend(); ++entry )
+                waiting.push_back( entry->mValue );
         }
     }
 }

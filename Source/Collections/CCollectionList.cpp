@@ -6,6 +6,21 @@
 #include "XCAF/XException.h"
 #include "XCAF/XIcon.h"
 
+namespace
+{
+// Why a collection is left out, for people.
+Text ReasonFor( const __SafeCFPropertyList& inCollection, const XException& inError )
+{
+    const XPlistDictionary* dictionary = inCollection.AsDictionary();
+    if ( not dictionary )
+        return inError.GetMessage();
+    XText type;
+    if ( not dictionary->Get( CFSTR( "CollectionType" ), type ) )
+        return u"its key “CollectionType” is missing or no text";
+    return kvr_format( u"no collection type is called “%@”", type );
+}
+} // namespace
+
 __SafeCFPropertyList CCollectionList::CopyToPropertyList() const
 {
     XMutableArray collections;
@@ -32,7 +47,7 @@ void CCollectionList::LoadFromPropertyList( const __SafeCFPropertyList& inValue 
         catch ( const XException& error )
         {
             if ( MLoadObserver* observer = MLoadObserver::Current() )
-                observer->DidDrop( *list, i, error.GetMessage() );
+                observer->DidDrop( *list, i, ReasonFor( list->GetValueAt( i ), error ) );
         }
     }
 }

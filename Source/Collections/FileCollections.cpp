@@ -28,6 +28,8 @@ bool CFilesCollection::ReadOlderRecursive( HFieldVisitor& inVisitor )
         return false;
     mSortOrder = recursive->GetValue() ? FilesSortOrder::kRecursive : FilesSortOrder::kAlphabetical;
     inVisitor.NoteOlderKey( "Recursive", "SortOrder" );
+    if ( inVisitor.HasKey( "SortOrder" ) )
+        inVisitor.NoteRepair( "SortOrder", u"the older key “Recursive” stands above it" );
     return true;
 }
 

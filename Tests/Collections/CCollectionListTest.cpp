@@ -102,8 +102,7 @@ TEST( CCollectionList, AForActionTellsAndIsFoundByItsCollections )
                 List( { Collection( u"Range" ), Collection( u"JSON", { { "Text", Str( u"[zebra]" ) } } ) } ) } } );
     const auto action = HBaseAction::CreateFromPropertyList( stored );
     EXPECT_EQ( UTF8FromText( action->GetActionDescriptionString() ),
-        "For Each Value of “i” in The Numbers from 1 to 10, Then The Keys of JSON “[zebra]” Execute the Following "
-        "Actions" );
+        "For Each Value of “i” in The Numbers from 1 to 10, Then The Keys of JSON “[zebra]”" );
     StringSearchee searchee;
     action->AddMatchStrings( searchee );
     const auto elements = searchee.GetElements();
@@ -147,5 +146,6 @@ TEST( CCollectionList, TheLoadObserverHearsOfLossesAndOlderForms )
         Collection( u"Files", { { "Recursive", Bool( true ) } } ),
         Dict( { { "CollectionType2", Str( u"JSON" ) } } ) } ) );
     EXPECT_EQ( UTF8FromText( observer.mHeard ),
-        "drop 0 good;upgrade CollectionType;Recursive for SortOrder;CollectionType2 for CollectionType;" );
+        "drop 0 no collection type is called “Future”;upgrade CollectionType;Recursive for SortOrder;CollectionType2 "
+        "for CollectionType;" );
 }
