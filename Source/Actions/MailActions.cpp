@@ -43,6 +43,15 @@ std::vector<Text> AMailSendMessage::GetAddActionByNameExtraSearchString() const
     return { u"email" };
 }
 
+Text AMailSendMessage::GetActionExtraHTML() const
+{
+    return kvr_extraHTMLLine( u"kvMailSendMessageCcExtraHTMLFormat", mCc.GetText() ) +
+        kvr_extraHTMLLine( u"kvMailSendMessageBccExtraHTMLFormat", mBcc.GetText() ) +
+        kvr_extraHTMLLine( u"kvMailSendMessageFromExtraHTMLFormat", mFrom.GetText() ) +
+        kvr_extraHTMLLine( u"kvMailSendMessageContentExtraHTMLFormat", kvr_excerpt( mContent ) ) +
+        kvr_extraHTMLLine( u"kvMailSendMessageAttachmentExtraHTMLFormat", mAttachment.GetText() );
+}
+
 Text AMailSendMessage::InternalGetActionDescriptionString() const
 {
     const Text family = kvr_format( "kvMailSendMessageSendNow%d", int( mSendNow ) );

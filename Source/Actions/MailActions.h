@@ -58,6 +58,7 @@ class AMailSendMessage final : public HActionOf<AMailSendMessage, HActionType::k
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
     [[nodiscard]] std::vector<Text> GetAddActionByNameExtraSearchString() const override;
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

@@ -61,6 +61,13 @@ void APromptWithList::UpdateForPasteOrAdd()
     mPromptUID = uuidString();
 }
 
+Text APromptWithList::GetActionExtraHTML() const
+{
+    return kvr_extraHTMLLine( u"kvPromptWithListInitialSearchExtraHTMLFormat", mInitialSearch.GetText() ) +
+        kvr_extraHTMLLineIf( mAllowMultiple, u"kvPromptWithListAllowMultipleExtraHTML" ) +
+        kvr_extraHTMLLineIf( mSort, u"kvPromptWithListSortExtraHTML" );
+}
+
 Text APromptWithList::InternalGetActionDescriptionString() const
 {
     const Text source = mSource.GetActionDescriptionString();
@@ -85,6 +92,11 @@ void APromptForUserInput::DescribeFields( HFieldVisitor& inVisitor )
     }
 }
 
+Text APromptForUserInput::GetActionExtraHTML() const
+{
+    return kvr_extraHTMLLine( u"kvPromptForUserInputPromptExtraHTMLFormat", kvr_excerpt( mPrompt ) );
+}
+
 Text APromptForUserInput::InternalGetActionDescriptionString() const
 {
     if ( mTitle.IsEmpty() )
@@ -103,6 +115,12 @@ void APromptForFile::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Text( "Location", mLocation );
 }
 
+Text APromptForFile::GetActionExtraHTML() const
+{
+    return kvr_extraHTMLLine( u"kvPromptForFileParameterExtraHTMLFormat", kvr_excerpt( mParameter ) ) +
+        kvr_extraHTMLLine( u"kvPromptForFileLocationExtraHTMLFormat", mLocation.GetText() );
+}
+
 Text APromptForFile::InternalGetActionDescriptionString() const
 {
     return kvr_localizedFormat(
@@ -119,6 +137,12 @@ void ACustomPrompt::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Boolean( "Resizable", mResizable );
     inVisitor.Text( "Text", mText );
     inVisitor.Text( "Path", mPath );
+}
+
+Text ACustomPrompt::GetActionExtraHTML() const
+{
+    return kvr_extraHTMLLine( u"kvFileExtraHTMLFormat", mUseText ? Text() : mPath.GetText() ) +
+        kvr_extraHTMLLineIf( mAsynchronously, u"kvCustomPromptAsynchronouslyExtraHTML" );
 }
 
 Text ACustomPrompt::InternalGetActionDescriptionString() const

@@ -27,6 +27,7 @@ public:
     void UpdateForPasteOrAdd() override;
 
     [[nodiscard]] const XText& GetPromptUID() const { return mPromptUID; }
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
@@ -45,6 +46,7 @@ class APromptForUserInput final : public HActionOf<APromptForUserInput, HActionT
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
@@ -73,6 +75,7 @@ class APromptForFile final : public HActionOf<APromptForFile, HActionType::kProm
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
@@ -90,6 +93,7 @@ class ACustomPrompt final : public HActionOf<ACustomPrompt, HActionType::kCustom
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

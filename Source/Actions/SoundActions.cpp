@@ -2,6 +2,7 @@
 
 #include "Actions/DescriptionText.h"
 #include "Utility/Text/Localization.h"
+#include "Utility/Text/XHTMLEntities.h"
 
 // Speak Text
 
@@ -29,6 +30,12 @@ void APlaySound::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Integer( "Volume", mVolume );
     inVisitor.Text( "DeviceID", mDeviceID );
     inVisitor.Boolean( "Asynchronously", mAsynchronously );
+}
+
+Text APlaySound::GetActionExtraHTML() const
+{
+    const Text device = mDeviceID.IsEmpty() ? kvr_localized( u"kvPlaySoundDefaultDevice" ) : mDeviceID.GetText();
+    return kvr_localizedFormat( u"kvPlaySoundExtraHTMLFormat", encodeHTML( device ), mVolume );
 }
 
 Text APlaySound::InternalGetActionDescriptionString() const

@@ -37,6 +37,7 @@ class APlaySound final : public HActionOf<APlaySound, HActionType::kPlaySound>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

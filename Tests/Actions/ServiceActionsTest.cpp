@@ -145,6 +145,31 @@ TEST( ServiceActions, DescriptionsReadAsSentences )
         EXPECT_EQ( UTF8FromText( description ), expected );
 }
 
+TEST( ServiceActions, LinesUnderATitleAreSafeForAPageAndEachEndsWithABreak )
+{
+    const auto extra = []( TextView inType, std::initializer_list<PlistEntry> inEntries ) {
+        return UTF8FromText(
+            HBaseAction::CreateFromPropertyList( ActionDict( inType, inEntries ) )->GetActionExtraHTML() );
+    };
+    const struct
+    {
+        std::string mHTML;
+        const char* mExpected;
+    } kCases[] = {
+        { extra( u"PlaySound", {} ), "Out the&#32;default&#32;device at 100% volume.<br />" },
+        { extra( u"PlaySound", { { "DeviceID", Str( u"<A & B>" ) }, { "Volume", Number( 5 ) } } ),
+            "Out &lt;A&#32;&amp;&#32;B&gt; at 5% volume.<br />" },
+        { extra( u"MailSendMessage", {} ), "" },
+        { extra( u"MailSendMessage", { { "Bcc", Str( u"<b>" ) }, { "Content", Str( u"x\ny" ) } } ),
+            "Bcc: &lt;b&gt;<br />Content: x&#32;y<br />" },
+        { extra( u"PromptWithList", { { "Sort", Bool( true ) } } ), "Sort the list.<br />" },
+        { extra( u"CustomPrompt", { { "Path", Str( u"/a" ) }, { "UseText", Bool( true ) } } ), "" },
+        { extra( u"CustomPrompt", { { "Path", Str( u"/a" ) } } ), "File: &#47;a<br />" },
+    };
+    for ( const auto& [html, expected] : kCases )
+        EXPECT_EQ( html, expected );
+}
+
 TEST( ServiceActions, OlderNumbersOfMIDIBecomeTextsUnlessATextIsThere )
 {
     const struct
