@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Actions/ActionResult.h"
-#include "Actions/HBaseAction.h"
+#include "Actions/ScriptActions.h"
 
 #include <filesystem>
 
@@ -28,7 +28,7 @@ constexpr auto NamesOf( PlugInParameterType )
     return std::span( kInformationParameterTypesNames );
 }
 
-class APlugIn final : public HActionOf<APlugIn, HActionType::kPlugIn, HBaseAction>
+class APlugIn final : public HActionOf<APlugIn, HActionType::kPlugIn, AExecuteRootScript>
 {
 public:
     /// Of no plug-in, as before reading.

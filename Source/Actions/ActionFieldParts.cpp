@@ -177,13 +177,10 @@ void ApplicationTarget::DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTy
 {
     if ( inVisitor.Searchee() and mType == ApplicationTargetingType::kFront )
         return; // what is kept beside the front one isn't seen, and so isn't found
-    const bool olderForm =
-        inVisitor.IsReading() and not inVisitor.HasKey( inTypeKey ) and inVisitor.HasKey( inApplicationKey );
-    inVisitor.Name( inTypeKey, mType );
-    if ( olderForm )
-        mType = ApplicationTargetingType::kSpecific;
     // Beside the front one as well: who chooses the specific one again finds it there.
     DescribeApplication( inVisitor, inApplicationKey, mApplication );
+    inVisitor.Name( inTypeKey, mType,
+        { .mWhenMissing = mApplication ? ApplicationTargetingType::kSpecific : ApplicationTargetingType::kFront } );
 }
 
 void ApplicationTarget::SetSpecific( XApplicationIdentifier inApplication )

@@ -5,10 +5,6 @@
 #include "Actions/HBaseAction.h"
 #include "Macros/MacrosAllowed.h"
 
-/// An allow-list of macros in two keys. The type isn't written while it is Normal, nor the list while it is empty.
-void DescribeMacrosAllowed(
-    HFieldVisitor& inVisitor, HFieldKey inTypeKey, HFieldKey inUIDsKey, MacrosAllowed& ioAllowed );
-
 class AShowPaletteOfMacros final : public HActionOf<AShowPaletteOfMacros, HActionType::kShowPaletteOfMacros>
 {
 public:

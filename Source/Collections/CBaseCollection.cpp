@@ -1,5 +1,6 @@
 #include "Collections/CBaseCollection.h"
 
+#include "Actions/DescriptionText.h"
 #include "Actions/HFieldVisitors.h"
 #include "Collections/FileCollections.h"
 #include "Collections/TextCollections.h"
@@ -209,7 +210,5 @@ void CBaseCollection::AddMatchStrings( StringSearchee& ioSearchee ) const
 
 Text CBaseCollection::WikiName() const
 {
-    Text name = GetCollectionTypeDescription();
-    std::replace( name.begin(), name.end(), u' ', u'_' );
-    return name;
+    return kvr_wikiName( GetCollectionTypeDescription() );
 }
