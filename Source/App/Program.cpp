@@ -85,6 +85,7 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         AddCheckVerb( program, verbs );
         AddMacrosFileVerbs( program, verbs );
         AddCronVerb( program, verbs );
+        AddSearchVerbs( program, verbs );
         AddPropertyListVerbs( program, verbs );
         try
         {

@@ -61,3 +61,6 @@ void AddCronVerb( CLI::App& ioProgram, VerbList& ioVerbs );
 
 /// "list", "show" and "convert".
 void AddMacrosFileVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "search" and "smart".
+void AddSearchVerbs( CLI::App& ioProgram, VerbList& ioVerbs );

@@ -6,13 +6,49 @@
 #include "Macros/MLoadObserver.h"
 #include "Macros/MMacroGroup.h"
 #include "Macros/MMacroInsertion.h"
-#include "Utility/Search/StringSearchee.h"
+#include "Utility/Search/SearchableTexts.h"
 #include "Utility/Search/StringSearcher.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Text/NSStringRegularExpressions.h"
 #include "Utility/Text/TextCompare.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
+
+namespace
+{
+// A macro as a searcher sees it: what was collected of it and of its group, and what changes by itself.
+class MacroSource final : public SearchSource
+{
+public:
+    explicit MacroSource( const MMacro& inMacro ) : mMacro( inMacro ), mGroup( inMacro.GetOwningGroup() ) {}
+
+    [[nodiscard]] bool AnyTextMatches( const SearchPattern& inPattern, StringSearchee::Kind inKind ) const override
+    {
+        return mMacro.GetSearchableTexts().Matches( inPattern, inKind ) or
+            ( mGroup and mGroup->GetSearchableTexts().Matches( inPattern, inKind ) );
+    }
+    [[nodiscard]] bool IsGlobal() const override { return mGroup and mGroup->IsGloballyActive(); }
+    [[nodiscard]] std::optional<bool> GetEnabled() const override
+    {
+        return mMacro.IsActive() and ( not mGroup or mGroup->IsActive() );
+    }
+    [[nodiscard]] std::optional<double> GetAge( StringSearchee::Kind inKind ) const override
+    {
+        const XAbsoluteTime now = XClock::Current().Now();
+        if ( inKind == StringSearchee::Kind::kCreated )
+            return now - mMacro.GetCreationTime();
+        if ( inKind == StringSearchee::Kind::kModified )
+            return now - mMacro.GetModificationTime();
+        const XAbsoluteTime used = HMacroStats::Current().LastExecution( mMacro.GetUID() );
+        return used > 0 ? std::optional( now - used ) : std::nullopt;
+    }
+    void Collect( StringSearchee& ioSearchee ) const override { mMacro.AddMatchStrings( ioSearchee ); }
+
+private:
+    const MMacro& mMacro;
+    const MMacroGroup* const mGroup;
+};
+} // namespace
 
 MMacro::MMacro() : mActions( std::make_shared<HActionList>() ) {}
 
@@ -52,6 +88,7 @@ Text MMacro::GetName() const
 void MMacro::SetName( const XText& inName )
 {
     mName = nullptr;
+    DidChangeWords();
     if ( IsEmpty( inName ) or inName.Equals( ComputedName() ) or inName.Equals( kvr_localized( u"kvUntitledMacro" ) ) )
         return;
     mName = CleanedName( inName );
@@ -97,6 +134,14 @@ bool MMacro::SetTimesIfNotSet( XAbsoluteTime inTime )
     return true;
 }
 
+void MMacro::AddOwnMatchStrings( StringSearchee& ioSearchee ) const
+{
+    ioSearchee.AddName( GetName() );
+    ioSearchee.AddUID( GetUID() );
+    mTriggers.DoForEveryValue( [&]( const TBaseTrigger& trigger ) { trigger.AddMatchStrings( ioSearchee ); } );
+    mActions->AddMatchStrings( ioSearchee );
+}
+
 void MMacro::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     const XAbsoluteTime now = XClock::Current().Now();
@@ -118,9 +163,7 @@ bool MMacro::MatchesTextSearch( StringSearcher& ioSearcher ) const
 {
     if ( ioSearcher.Useless() )
         return true;
-    StringSearchee searchee;
-    AddMatchStrings( searchee );
-    return ioSearcher.Matches( searchee );
+    return ioSearcher.Matches( MacroSource( *this ) );
 }
 
 __SafeCFPropertyList MMacro::CopyToPropertyList() const
@@ -166,6 +209,7 @@ void MMacro::Fill( const __SafeCFPropertyList& inValue )
     mActions->LoadActionsFromPropertyList( __SafeCFPropertyList( actions ) );
 
     mModificationTime = ReadTime( *dictionary, CFSTR( "ModificationDate" ) );
+    DidChangeWords();
 }
 
 void MMacro::LoadTriggers( const XPlistArray& inTriggers )
@@ -199,11 +243,13 @@ void MMacro::UpdateForPasteOrAdd()
 {
     mActions->DoForEveryActionAndSubAction( []( HBaseAction& action ) { action.UpdateForPasteOrAdd(); } );
     mTriggers.DoForEveryValue( []( TBaseTrigger& trigger ) { trigger.UpdateForPasteOrAdd(); } );
+    DidChangeWords();
 }
 
 void MMacro::UpdateForStartingEdit()
 {
     mTriggers.DoForEveryValue( []( TBaseTrigger& trigger ) { trigger.UpdateForStartingEdit(); } );
+    DidChangeWords();
 }
 
 void MMacro::SetOwningGroup( MMacroGroup* inGroup )
@@ -221,12 +267,19 @@ void MMacro::SetTriggerList( TTriggerList inTriggers )
 {
     mTriggers = std::move( inTriggers );
     mTriggers.DoForEveryValue( [this]( TBaseTrigger& trigger ) { trigger.SetMacro( this ); } );
+    DidChangeWords();
 }
 
 void MMacro::AppendAction( std::unique_ptr<HBaseAction> inAction )
 {
     mActions->AppendAction( std::move( inAction ) );
+    DidChangeActionList();
+}
+
+void MMacro::DidChangeActionList()
+{
     mIcon = XIcon();
+    DidChangeWords();
 }
 
 const TBaseTrigger* MMacro::GetDisplayTriggerFromMacro( bool inAllowAny ) const

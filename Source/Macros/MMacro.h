@@ -35,6 +35,8 @@ public:
     [[nodiscard]] MMacro* GetAsMacro() override { return this; }
     [[nodiscard]] const MMacro* GetAsMacro() const override { return this; }
     void AddMatchStrings( StringSearchee& ioSearchee ) const override;
+    /// Name, UID, triggers and actions.
+    void AddOwnMatchStrings( StringSearchee& ioSearchee ) const override;
     [[nodiscard]] __SafeCFPropertyList CopyToPropertyList() const override;
     void LoadFromPropertyList( const __SafeCFPropertyList& inValue ) override;
     [[nodiscard]] Text SerializedObjectKindName() const override;
@@ -47,8 +49,8 @@ public:
     [[nodiscard]] bool GetActionListDisclosed() const override { return true; }
     /// A macro's list is always disclosed: calling this is a mistake.
     void SetActionListDisclosed( bool inDisclosed ) override;
-    virtual void EditorChangedActionList() { mIcon = XIcon(); }
-    virtual void AppleScriptChangedActionList() { mIcon = XIcon(); }
+    virtual void EditorChangedActionList() { DidChangeActionList(); }
+    virtual void AppleScriptChangedActionList() { DidChangeActionList(); }
     [[nodiscard]] virtual bool GetHideFromInspector() const { return false; }
     [[nodiscard]] virtual bool GetExcludeFromModificationTime() const { return false; }
     /// Actions, nested ones too, then triggers replace the UIDs that they hold by the insertion's mapping.
@@ -82,6 +84,7 @@ private:
     void DestroyAll();
     /// Of a macro as a constructor leaves it.
     void Fill( const __SafeCFPropertyList& inValue );
+    void DidChangeActionList();
     void LoadTriggers( const XPlistArray& inTriggers );
     [[nodiscard]] Text ComputedName() const;
 

@@ -59,6 +59,7 @@ Text MMacroGroup::GetName() const
 void MMacroGroup::SetName( const XText& inName )
 {
     mName = nullptr;
+    DidChangeWords();
     const XText clean = CleanedName( inName );
     if ( not IsEmpty( clean ) and not clean.Equals( kvr_localized( u"kvUntitledMacroGroup" ) ) )
         mName = clean;
@@ -246,6 +247,7 @@ void MMacroGroup::SetAvailableApplicationXML( TextView inText )
     const __SafeCFPropertyList value = kvr_fromXMLString( inText, kActionsPlistLimits );
     if ( value.AsDictionary() )
         mTarget.LoadFromPropertyList( value );
+    DidChangeWords();
 }
 
 std::optional<Text> MMacroGroup::GetAvailableWindowXML() const
@@ -428,10 +430,18 @@ void MMacroGroup::LoadFromPropertyList( const __SafeCFPropertyList& inValue, con
     if ( IsDefaultMacroGroup() )
         ForceDefaults( *dictionary );
 
+    DidChangeWords();
+
     // 9. The macros.
     CFContainer<XPlistArray> macros;
     XThrowIfNot( dictionary->Get( CFSTR("Macros"), macros ) );
     LoadMacros( *macros, inOverrides );
+}
+
+void MMacroGroup::SetTarget( MMacroAppTarget inTarget )
+{
+    mTarget = std::move( inTarget );
+    DidChangeWords();
 }
 
 // A target that names no application can't be met. One that asks for an application turns the group off, so

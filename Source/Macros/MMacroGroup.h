@@ -101,7 +101,7 @@ public:
     [[nodiscard]] Text GetActivateDisplayText() const;
 
     [[nodiscard]] const MMacroAppTarget& GetTarget() const { return mTarget; }
-    void SetTarget( MMacroAppTarget inTarget ) { mTarget = std::move( inTarget ); }
+    void SetTarget( MMacroAppTarget inTarget );
     [[nodiscard]] const MFrontWindowCondition& GetWindowCondition() const { return mWindowCondition; }
     void SetWindowCondition( MFrontWindowCondition inCondition ) { mWindowCondition = std::move( inCondition ); }
     [[nodiscard]] MacroGroupActivate GetActivate() const { return mActivate; }

@@ -50,6 +50,7 @@ void MMacroSerializedObject::Unregister()
     const auto entry = ObjectsByUID().find( mUID );
     if ( entry != ObjectsByUID().end() and entry->second == this )
         ObjectsByUID().erase( entry );
+    MSearchTexts::DidChange( mUID );
 }
 
 const XText& MMacroSerializedObject::GetUID() const
@@ -74,12 +75,20 @@ void MMacroSerializedObject::SetUID( const XText& inUID )
     XAssertText( FindObjectByUID( inUID ) == nullptr, "!UIDInUse( inUID )" );
     mUID = inUID;
     ObjectsByUID()[mUID] = this;
+    DidChangeWords();
+}
+
+void MMacroSerializedObject::DidChangeWords()
+{
+    mSearchTexts.Forget();
+    MSearchTexts::DidChange( mUID );
 }
 
 MMacroSerializedObject* MMacroSerializedObject::FindObjectByUID( const XText& inUID )
 {
     if ( IsEmpty( inUID ) )
         return nullptr;
+    MSearchTexts::DidLookUp( inUID );
     const auto entry = ObjectsByUID().find( inUID );
     return entry == ObjectsByUID().end() ? nullptr : entry->second;
 }

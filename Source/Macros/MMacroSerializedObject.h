@@ -6,12 +6,14 @@
 
 #include "CFMethods/PropertyList.h"
 #include "Macros/CloneFor.h"
+#include "Macros/MSearchTexts.h"
 #include "Utility/Work/Clock.h"
 #include "XCAF/XIcon.h"
 
 class MMacro;
 class MMacroGroup;
 class MMacroSmartGroup;
+class SearchableTexts;
 class StringSearchee;
 
 class MMacroSerializedObject
@@ -66,6 +68,13 @@ public:
     [[nodiscard]] virtual bool UIDMatches( const XText& inMatch ) const;
     [[nodiscard]] virtual bool NameOrUIDMatches( const XText& inMatch ) const;
     virtual void AddMatchStrings( StringSearchee& ioSearchee ) const = 0;
+    /// Of these, the texts that are the object's own: not those of its group, nor times or states.
+    virtual void AddOwnMatchStrings( StringSearchee& ioSearchee ) const { AddMatchStrings( ioSearchee ); }
+    /// The own texts, ready to be searched. They are kept until DidChangeWords.
+    [[nodiscard]] const SearchableTexts& GetSearchableTexts() const { return mSearchTexts.Get( *this ); }
+    /// Whoever changes an action or trigger in place says so here, or by the calls for the actions' icon. Everything
+    /// else says so by itself.
+    void DidChangeWords();
 
     /// The object as a property list.
     [[nodiscard]] virtual __SafeCFPropertyList CopyToPropertyList() const = 0;
@@ -113,6 +122,7 @@ private:
     XAbsoluteTime mCreationTime = 0;
     bool mIsActive = true;
     __SafeCFPropertyList mCustomIconData;
+    MSearchTexts mSearchTexts;
     mutable XIcon mCustomIcon; // decoded from the data on first use: lists redraw icons constantly
 };
 

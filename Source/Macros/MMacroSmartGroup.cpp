@@ -7,7 +7,6 @@
 #include "Macros/MMacroInsertion.h"
 #include "Macros/StoredNames.h"
 #include "Utility/Search/StringSearchee.h"
-#include "Utility/Search/StringSearcher.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Text/TextCompare.h"
 #include "XCAF/XErrorHandler.h"
@@ -32,6 +31,13 @@ void MMacroSmartGroup::SetName( const XText& inName )
     mName = nullptr;
     if ( not IsEmpty( inName ) and not inName.Equals( kvr_localized( u"kvUntitledMacroSmartGroup" ) ) )
         mName = inName;
+    DidChangeWords();
+}
+
+void MMacroSmartGroup::SetSearchStrings( std::vector<XText> inStrings )
+{
+    mSearchStrings = std::move( inStrings );
+    DidChangeWords();
 }
 
 Text MMacroSmartGroup::GetUnambiguousName() const
@@ -84,6 +90,7 @@ void MMacroSmartGroup::LoadFromPropertyList( const __SafeCFPropertyList& inValue
     CFContainer<XPlistArray> strings;
     XThrowIfNot( dictionary->Get( CFSTR("SearchStrings"), strings ) );
     mSearchStrings = TextsOf( *strings );
+    DidChangeWords();
 
     // Early files searched for everything with a string that no longer does. The name is the English one
     // in every language, since that is what those files hold.
@@ -104,34 +111,30 @@ void MMacroSmartGroup::GetStringSearchers( Searchers& outSearchers ) const
 {
     outSearchers.clear();
     for ( const XText& string : mSearchStrings )
-    {
-        if ( std::unique_ptr<StringSearcher> searcher = StringSearcher::Create( string ) )
-            outSearchers.push_back( std::move( searcher ) );
-    }
+        outSearchers.emplace_back( string );
 }
 
 bool MMacroSmartGroup::MatchesAll( const Searchers& inSearchers )
 {
     return std::ranges::any_of(
-        inSearchers, []( const auto& searcher ) { return not searcher->Useless() and searcher->MatchesAll(); } );
+        inSearchers, []( const auto& searcher ) { return not searcher.Useless() and searcher.MatchesAll(); } );
 }
 
-bool MMacroSmartGroup::MatchesMacro( const Searchers& inSearchers, const MMacro& inMacro )
+bool MMacroSmartGroup::MatchesMacro( Searchers& ioSearchers, const MMacro& inMacro )
 {
-    return std::ranges::any_of( inSearchers, [&inMacro]( const auto& searcher ) {
-        return not searcher->Useless() and inMacro.MatchesTextSearch( *searcher );
+    return std::ranges::any_of( ioSearchers, [&inMacro]( StringSearcher& searcher ) {
+        return not searcher.Useless() and inMacro.MatchesTextSearch( searcher );
     } );
 }
 
-void MMacroSmartGroup::DoForEveryMatch(
-    const Searchers& inSearchers, const std::function<void( MMacro& )>& inBlock ) const
+void MMacroSmartGroup::DoForEveryMatch( Searchers& ioSearchers, const std::function<void( MMacro& )>& inBlock ) const
 {
     const MMacroDomain* const domain = MMacroDomain::Get();
     if ( not domain )
         return;
-    const bool matchesAll = MatchesAll( inSearchers );
+    const bool matchesAll = MatchesAll( ioSearchers );
     domain->DoForEveryMacro( [&]( MMacroGroup&, MMacro& macro ) {
-        if ( matchesAll or MatchesMacro( inSearchers, macro ) )
+        if ( matchesAll or MatchesMacro( ioSearchers, macro ) )
             inBlock( macro );
     } );
 }
@@ -149,14 +152,14 @@ void MMacroSmartGroup::GetEveryMacro( std::vector<MMacro*>& ioMacros, double& io
     GetStringSearchers( searchers );
     DoForEveryMatch( searchers, [&ioMacros]( MMacro& macro ) { ioMacros.push_back( &macro ); } );
     for ( const auto& searcher : searchers )
-        ioNextChange = std::min( ioNextChange, searcher->NextChange() );
+        ioNextChange = std::min( ioNextChange, searcher.NextChange() );
 }
 
 bool MMacroSmartGroup::IsTimeSensitive() const
 {
     Searchers searchers;
     GetStringSearchers( searchers );
-    return std::ranges::any_of( searchers, []( const auto& searcher ) { return searcher->IsTimeSensitive(); } );
+    return std::ranges::any_of( searchers, []( const auto& searcher ) { return searcher.IsTimeSensitive(); } );
 }
 
 int MMacroSmartGroup::CompareAlphabeticallyEntries(

@@ -3,17 +3,16 @@
 #pragma once
 
 #include "Macros/MMacroSerializedObject.h"
+#include "Utility/Search/StringSearcher.h"
 
 #include <functional>
 #include <memory>
 #include <vector>
 
-class StringSearcher;
-
 class MMacroSmartGroup : public MMacroSerializedObject
 {
 public:
-    using Searchers = std::vector<std::unique_ptr<StringSearcher>>;
+    using Searchers = std::vector<StringSearcher>;
 
     /// Has one empty search string.
     MMacroSmartGroup();
@@ -38,14 +37,14 @@ public:
     [[nodiscard]] Text SerializedObjectKindName() const override;
 
     [[nodiscard]] const std::vector<XText>& GetSearchStrings() const { return mSearchStrings; }
-    void SetSearchStrings( std::vector<XText> inStrings ) { mSearchStrings = std::move( inStrings ); }
+    void SetSearchStrings( std::vector<XText> inStrings );
 
     /// One searcher for each search string.
     void GetStringSearchers( Searchers& outSearchers ) const;
     /// Some searcher is one that matches everything.
     [[nodiscard]] static bool MatchesAll( const Searchers& inSearchers );
-    /// Some searcher has something to test and matches the macro.
-    [[nodiscard]] static bool MatchesMacro( const Searchers& inSearchers, const MMacro& inMacro );
+    /// Some searcher has something to test and matches the macro. Lowers their next-change times.
+    [[nodiscard]] static bool MatchesMacro( Searchers& ioSearchers, const MMacro& inMacro );
     /// Every macro of the domain that matches.
     void DoForEveryMacro( const std::function<void( MMacro& )>& inBlock ) const;
     /// The same; lowers the time, in seconds from now, to when the result may change.
@@ -59,7 +58,7 @@ public:
     [[nodiscard]] std::unique_ptr<MMacroSmartGroup> Clone( CloneFor inWhat ) const;
 
 private:
-    void DoForEveryMatch( const Searchers& inSearchers, const std::function<void( MMacro& )>& inBlock ) const;
+    void DoForEveryMatch( Searchers& ioSearchers, const std::function<void( MMacro& )>& inBlock ) const;
 
     XText mName;
     std::vector<XText> mSearchStrings;

@@ -260,28 +260,6 @@ TEST( HBaseAction, DescriptionsSayWhatTheActionWillDo )
 
 // Searching
 
-namespace
-{
-// Finds what has a text with the word in it.
-class WordSearcher final : public StringSearcher
-{
-public:
-    explicit WordSearcher( TextView inWord ) : mWord( inWord ) {}
-    bool Useless() const override { return mWord.empty(); }
-    bool MatchesAll() const override { return false; }
-    bool IsTimeSensitive() const override { return false; }
-    bool Matches( const StringSearchee& inSearchee ) override
-    {
-        return std::ranges::any_of( inSearchee.GetElements(),
-            [this]( const StringSearchee::Element& element ) { return element.mText.find( mWord ) != Text::npos; } );
-    }
-    double NextChange() const override { return 0; }
-
-private:
-    Text mWord;
-};
-} // namespace
-
 TEST( HBaseAction, ASearchFindsAContainerByWhatItHoldsUnlessItsOwnWordsAreAskedFor )
 {
     const auto inner = ActionDict( u"Pause", { { "ActionName", Str( u"inner" ) } } );
@@ -304,13 +282,13 @@ TEST( HBaseAction, ASearchFindsAContainerByWhatItHoldsUnlessItsOwnWordsAreAskedF
     };
     for ( const auto& row : kCases )
     {
-        WordSearcher searcher( row.mWord );
+        StringSearcher searcher{ TextView( row.mWord ) };
         const bool matches = row.mAction.MatchesTextSearch( searcher );
         EXPECT_EQ( matches, row.mMatches ) << UTF8FromText( row.mWord );
         EXPECT_EQ( row.mAction.MatchesTextSearchJustContainer( matches, searcher ), row.mJustContainer )
             << UTF8FromText( row.mWord );
     }
-    WordSearcher nothing( u"" );
+    StringSearcher nothing;
     EXPECT_TRUE( group->MatchesTextSearch( nothing ) );
 }
 

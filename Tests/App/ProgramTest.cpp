@@ -10,8 +10,9 @@
 
 TEST( Program, HelpFitsOnOneScreenAndEveryVerbHasAnExample )
 {
-    const std::vector<std::vector<std::string>> kVerbs = { {}, { "check" }, { "list" }, { "show" }, { "convert" },
-        { "plist" }, { "plist", "print" }, { "plist", "convert" }, { "plist", "verify" }, { "plist", "compare" } };
+    const std::vector<std::vector<std::string>> kVerbs = { {}, { "check" }, { "list" }, { "show" }, { "search" },
+        { "smart" }, { "convert" }, { "plist" }, { "plist", "print" }, { "plist", "convert" }, { "plist", "verify" },
+        { "plist", "compare" } };
     for ( auto arguments : kVerbs )
     {
         arguments.push_back( "--help" );

@@ -1,46 +1,19 @@
 #include "Macros/MMacroSmartGroup.h"
 
 #include "Tests/Macros/MacroFixtures.h"
-#include "Utility/Search/StringSearchee.h"
-#include "Utility/Search/StringSearcher.h"
 
-#include <algorithm>
 #include <set>
 
 namespace
 {
-// A language of three words: "all" matches everything, "" nothing, and anything else a macro that is named so.
-class FakeSearcher final : public StringSearcher
-{
-public:
-    explicit FakeSearcher( Text inText ) : mText( std::move( inText ) ) {}
-
-    bool Useless() const override { return mText.empty(); }
-    bool MatchesAll() const override { return mText == u"all"; }
-    bool IsTimeSensitive() const override { return mText == u"soon"; }
-    bool Matches( const StringSearchee& inSearchee ) override
-    {
-        return std::ranges::any_of( inSearchee.GetElements(), [this]( const auto& element ) {
-            return element.mKind == StringSearchee::Kind::kName and element.mText == mText;
-        } );
-    }
-    double NextChange() const override { return IsTimeSensitive() ? 30 : 1000; }
-
-private:
-    Text mText;
-};
-
 struct SmartGroup : DomainWorld
 {
     SmartGroup()
     {
-        StringSearcher::SetMaker(
-            []( const XText& inText ) { return std::make_unique<FakeSearcher>( inText.GetText() ); } );
         const auto named = []( TextView uid, TextView name ) { return MacroWith( uid, { { "Name", Str( name ) } } ); };
         mDomain.LoadFromPropertyList( FileWith( { GroupWith( u"G", { named( u"1", u"one" ), named( u"2", u"two" ) } ),
             GroupWith( u"H", { named( u"3", u"soon" ) } ) } ) );
     }
-    ~SmartGroup() override { StringSearcher::SetMaker( {} ); }
 
     std::set<std::string> Matching( std::initializer_list<__SafeCFPropertyList> inStrings )
     {
@@ -60,24 +33,34 @@ TEST_F( SmartGroup, ItsStringsAreAlternativesAndAUselessOneMatchesNothing )
     EXPECT_EQ( Matching( { Str( u"" ) } ), Uids() );
     EXPECT_EQ( Matching( { Str( u"one" ) } ), ( Uids{ "1" } ) );
     EXPECT_EQ( Matching( { Str( u"" ), Str( u"one" ), Str( u"soon" ), Str( u"none" ) } ), ( Uids{ "1", "3" } ) );
-    EXPECT_EQ( Matching( { Str( u"none" ), Str( u"all" ) } ), ( Uids{ "1", "2", "3" } ) );
-    StringSearcher::SetMaker( {} );
-    EXPECT_EQ( Matching( { Str( u"all" ) } ), Uids() ) << "no language, no match";
+    EXPECT_EQ( Matching( { Str( u"none" ), Str( u"all:" ) } ), ( Uids{ "1", "2", "3" } ) );
+    EXPECT_EQ( Matching( { Str( u"-all:" ) } ), Uids() );
+    EXPECT_EQ( Matching( { Str( u"-name:one group:\"Group G\"" ) } ), ( Uids{ "2" } ) );
 }
 
 TEST_F( SmartGroup, ATimeSensitiveSearchSaysWhenItMayChange )
 {
     const auto plain = LoadedSmartGroup( SmartGroupWith( u"S", { Str( u"one" ) } ) );
-    const auto soon = LoadedSmartGroup( SmartGroupWith( u"T", { Str( u"one" ), Str( u"soon" ) } ) );
+    const auto fresh = LoadedSmartGroup( SmartGroupWith( u"T", { Str( u"one" ), Str( u"modified:1h" ) } ) );
     EXPECT_FALSE( plain->IsTimeSensitive() );
-    EXPECT_TRUE( soon->IsTimeSensitive() );
-    std::vector<MMacro*> macros;
-    double next = 60;
-    plain->GetEveryMacro( macros, next );
-    EXPECT_EQ( next, 60 );
-    soon->GetEveryMacro( macros, next );
-    EXPECT_EQ( next, 30 );
-    EXPECT_EQ( macros.size(), 3u );
+    EXPECT_TRUE( fresh->IsTimeSensitive() );
+    FoundMacro( u"1" ).SetModificationTime( mClock.Now() - 3500 ); // found by the other search already
+    FoundMacro( u"2" ).SetModificationTime( mClock.Now() - 1000 );
+    FoundMacro( u"3" ).SetModificationTime( mClock.Now() - 600 );
+    const auto held = [&]( const MMacroSmartGroup& smartGroup, double& ioNext ) {
+        std::vector<MMacro*> macros;
+        smartGroup.GetEveryMacro( macros, ioNext );
+        return macros.size();
+    };
+    double next = 3000;
+    EXPECT_EQ( held( *plain, next ), 1u );
+    EXPECT_EQ( next, 3000 );
+    EXPECT_EQ( held( *fresh, next ), 3u );
+    EXPECT_EQ( next, 2600 );
+    mClock.Advance( next - 1 );
+    EXPECT_EQ( held( *fresh, next ), 3u );
+    mClock.Advance( 1 );
+    EXPECT_EQ( held( *fresh, next ), 2u ) << "it changed when it said";
 }
 
 TEST_F( SmartGroup, ItWasModifiedWhenTheLatestOfItsMacrosWas )
@@ -170,7 +153,7 @@ TEST_F( SmartGroup, EntriesOrderByKindThenByName )
 
 TEST_F( SmartGroup, ASearcherWithNothingToTestMatchesEveryMacroInTheSearchField )
 {
-    FakeSearcher useless( u"" ), one( u"one" );
+    StringSearcher useless, one{ TextView( u"one" ) };
     EXPECT_TRUE( FoundMacro( u"2" ).MatchesTextSearch( useless ) );
     EXPECT_TRUE( FoundMacro( u"1" ).MatchesTextSearch( one ) );
     EXPECT_FALSE( FoundMacro( u"2" ).MatchesTextSearch( one ) );

@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+struct SearchTerm;
 struct XSearchableItem;
 
 class StringSearchee
@@ -78,6 +79,9 @@ public:
     void AddContentCr( XSearchableItem& ioItem ) const;
 
     [[nodiscard]] std::span<const Element> GetElements() const { return mElements; }
+    /// Do all terms hold? They are looked at in order until one doesn't. Lowers the next-change time, in seconds, to
+    /// when a time that matched won't any more.
+    [[nodiscard]] bool PrivateMatches( std::span<const SearchTerm> inTerms, double& nextChange ) const;
 
 private:
     void AddText( Kind inKind, Words inText );

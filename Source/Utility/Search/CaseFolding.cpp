@@ -1,0 +1,46 @@
+#include "Utility/Search/CaseFolding.h"
+
+#include "Utility/Text/StringHelpers.h"
+
+#include <algorithm>
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+
+bool IsASCII( TextView inText )
+{
+    return std::ranges::all_of( inText, []( char16_t unit ) { return unit < 0x80; } );
+}
+
+Text FoldedCase( TextView inText )
+{
+    std::vector<std::uint32_t> innerPlaces;
+    Text folded;
+    AppendFoldedCase( inText, folded, innerPlaces );
+    return folded;
+}
+
+void AppendFoldedCase( TextView inText, Text& ioFolded, std::vector<std::uint32_t>& ioInnerPlaces )
+{
+    ioFolded.reserve( ioFolded.size() + inText.size() );
+    for ( std::size_t at = 0; at < inText.size(); )
+    {
+        const char16_t unit = inText[at];
+        if ( unit < 0x80 )
+        {
+            ioFolded += unit >= u'A' and unit <= u'Z' ? char16_t( unit + 32 ) : unit;
+            ++at;
+            continue;
+        }
+        const std::size_t start = at;
+        (void)kvr_nextCharacter( inText, at );
+        UErrorCode status = U_ZERO_ERROR;
+        char16_t folded[8]; // the longest folding has three units
+        const std::int32_t length = u_strFoldCase( folded, std::int32_t( std::size( folded ) ), inText.data() + start,
+            std::int32_t( at - start ), U_FOLD_CASE_DEFAULT, &status );
+        const std::size_t before = ioFolded.size();
+        ioFolded.append( folded, std::size_t( std::max( 0, length ) ) );
+        const std::size_t firstUnits = length > 1 and IsHighSurrogate( folded[0] ) ? 2 : 1;
+        for ( std::size_t inner = before + firstUnits; inner < ioFolded.size(); ++inner )
+            ioInnerPlaces.push_back( std::uint32_t( inner ) );
+    }
+}
