@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 class XDesktopFileFacts
 {
@@ -24,6 +25,11 @@ public:
     [[nodiscard]] virtual std::optional<Text> GetType( const std::filesystem::path& inFile ) const = 0;
     /// Is the type the other one, or a kind of it?
     [[nodiscard]] virtual bool TypeConformsTo( TextView inType, TextView inOther ) const = 0;
+
+    /// The tags that the user gave the file.
+    [[nodiscard]] virtual std::vector<Text> GetTags( const std::filesystem::path& ) const { return {}; }
+    /// These and no others. False if that isn't possible: nothing was changed then.
+    virtual bool SetTags( const std::filesystem::path&, const std::vector<Text>& ) { return false; }
 
     /// Knows nothing, trashes nothing, and each type is only itself.
     [[nodiscard]] static XDesktopFileFacts& Absent();

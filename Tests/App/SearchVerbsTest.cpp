@@ -48,8 +48,8 @@ TEST_F( SearchVerbs, SearchSaysWhatIsFoundAndWhy )
     const KorvalenResult found = Run( "search", { "letter", "grüsse" } );
     EXPECT_EQ( found.mStatus, 0 );
     EXPECT_EQ( found.mErrors, "" );
-    EXPECT_THAT( found.mOutput,
-        StartsWith( "Group G › Write letter\n    name: Write letter\n    action Insert Text: …" ) );
+    EXPECT_THAT(
+        found.mOutput, StartsWith( "Group G › Write letter\n    name: Write letter\n    action Insert Text: …" ) );
     EXPECT_THAT( found.mOutput, HasSubstr( "…s is a rather long letter about GRÜSSE and h" ) );
     EXPECT_THAT( Run( "search", { "group:\"group g\" -letter" } ).mOutput,
         "Group G  (group)\n    group: Group G\nGroup G › Other (disabled)\n    group: Group G\n" );
