@@ -2,7 +2,6 @@
 
 #include "Actions/APlugIn.h"
 #include "Actions/ASetActionDelay.h"
-#include "Actions/AStoredAction.h"
 #include "Actions/ASwitch.h"
 #include "Actions/ApplicationActions.h"
 #include "Actions/ClipboardActions.h"
@@ -52,9 +51,11 @@ std::unique_ptr<HBaseAction> Make( HActionType )
     return std::make_unique<Action>();
 }
 
-std::unique_ptr<HBaseAction> MakeStored( HActionType inType )
+// One of the types that share a class.
+template<class Action, auto kArgument>
+std::unique_ptr<HBaseAction> MakeOf( HActionType )
 {
-    return std::make_unique<AStoredAction>( inType );
+    return std::make_unique<Action>( kArgument );
 }
 
 // Types whose time-out or failure depends on their fields override what stands here.

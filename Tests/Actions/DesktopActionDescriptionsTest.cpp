@@ -15,14 +15,6 @@
 
 #include <set>
 
-namespace
-{
-Text Described( const __SafeCFPropertyList& inAction )
-{
-    return HBaseAction::CreateFromPropertyList( inAction )->GetActionDescriptionString();
-}
-} // namespace
-
 TEST( DesktopActionDescriptions, TellWhatTheActionDoesWithItsValues )
 {
     const PlistEntry specific = { "TargetApplication", Dict( { { "Name", Str( u"Notes" ) } } ) };
@@ -76,7 +68,7 @@ TEST( DesktopActionDescriptions, TellWhatTheActionDoesWithItsValues )
             u"Set the Image of Stream Deck Button R1C1 to the Icon of Unknown Macro" },
     };
     for ( const auto& [action, description] : kCases )
-        EXPECT_EQ( UTF8FromText( Described( action ) ), UTF8FromText( description ) );
+        EXPECT_EQ( Described( action ), UTF8FromText( description ) );
 }
 
 TEST( DesktopActionDescriptions, EachStoredNameHasWordsOfItsOwn )
@@ -119,7 +111,7 @@ TEST( DesktopActionDescriptions, EachStoredNameHasWordsOfItsOwn )
         {
             LogCapture log;
             const auto action = With( With( given, "MacroActionType", Str( type ) ), key, Str( name ) );
-            descriptions.insert( Described( action ) );
+            descriptions.insert( TextFromUTF8( Described( action ) ) );
             EXPECT_TRUE( log.Lines().empty() ) << UTF8FromText( type ) << " " << UTF8FromText( name );
         }
         EXPECT_EQ( descriptions.size(), names.size() ) << UTF8FromText( type ) << " " << key;

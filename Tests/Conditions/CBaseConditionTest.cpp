@@ -140,7 +140,7 @@ TEST( CBaseCondition, AClipboardIsStoredWithItsKind )
             { "ClipboardSourceUseNamedClipboard", Bool( true ) }, { "ClipboardSourceNamedClipboardUID", Str( u"U" ) },
             { "ClipboardSourceNamedClipboardRedundantDisplayName", Str( u"Notes" ) } } );
     EXPECT_EQ( Shown( ReloadedCondition( named ) ), Shown( named ) );
-    EXPECT_EQ( Described( named ), "Named Clipboard “Notes” Has an Image" );
+    EXPECT_EQ( DescribedCondition( named ), "Named Clipboard “Notes” Has an Image" );
     EXPECT_TRUE( Finds( *ReadCondition( named ), u"Notes" ) );
 }
 
@@ -204,7 +204,7 @@ TEST( CBaseCondition, DescriptionsReadAsPeopleSayIt )
             "Mouse Button 3 Is Not Pressed" },
     };
     for ( const auto& [condition, description] : kCases )
-        EXPECT_EQ( Described( condition ), description );
+        EXPECT_EQ( DescribedCondition( condition ), description );
 }
 
 TEST( CBaseCondition, ASearchFindsTypeDescriptionAndWhatADescriptionCutsOff )

@@ -271,7 +271,7 @@ TEST( ConditionCatalogue, EveryNameIsToldInTheDescription )
                 auto condition = With( ExpectedSave( type, true ), key.mKey, Str( TextFromUTF8( name ) ) );
                 if ( key.mKey == "ScriptConditionSourceType" )
                     condition = With( condition, "Path", Str( u"/true" ) );
-                descriptions.insert( Described( condition ) );
+                descriptions.insert( DescribedCondition( condition ) );
             }
             EXPECT_EQ( descriptions.size(), key.mNames.size() ) << type.mKey << " " << key.mKey;
         }

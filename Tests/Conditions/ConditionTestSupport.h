@@ -46,7 +46,7 @@ inline std::string ConditionReadFailure( const __SafeCFPropertyList& inCondition
     return {};
 }
 
-inline std::string Described( const __SafeCFPropertyList& inCondition )
+inline std::string DescribedCondition( const __SafeCFPropertyList& inCondition )
 {
     return UTF8FromText( ReadCondition( inCondition )->GetDescription() );
 }

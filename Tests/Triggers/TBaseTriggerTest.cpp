@@ -99,24 +99,11 @@ TEST( BaseTrigger, OnlyTheKindAskedForAnswersItself )
 
 TEST( BaseTrigger, ASearchIsAskedOfTheWordsAndOfAHotKeysKeystroke )
 {
-    struct Searcher final : StringSearcher
-    {
-        bool Useless() const override { return mUseless; }
-        bool MatchesAll() const override { return false; }
-        bool IsTimeSensitive() const override { return false; }
-        double NextChange() const override { return 0; }
-        bool Matches( const StringSearchee& inSearchee ) override
-        {
-            return std::ranges::any_of( inSearchee.GetElements(), []( const auto& element ) {
-                return element.mKind == StringSearchee::Kind::kHotKey and element.mText == u"⇧⌘C";
-            } );
-        }
-        bool mUseless = false;
-    } searcher;
+    StringSearcher searcher( TextView( u"hotkey:⇧⌘C" ) );
     EXPECT_TRUE( LoadedTrigger( HotKeyTrigger( 8, 256 + 512 ) )->MatchesTextSearch( searcher ) );
     EXPECT_FALSE( LoadedTrigger( HotKeyTrigger( 8, 256 ) )->MatchesTextSearch( searcher ) );
-    searcher.mUseless = true;
-    EXPECT_TRUE( NewTrigger( TriggerType::kWake )->MatchesTextSearch( searcher ) ) << "nothing finds everything";
+    StringSearcher nothing;
+    EXPECT_TRUE( NewTrigger( TriggerType::kWake )->MatchesTextSearch( nothing ) ) << "nothing finds everything";
 }
 
 TEST( BaseTrigger, WhatCouldNeverFireIsUseless )
