@@ -2,7 +2,6 @@
 
 #include "Macros/MMacroSerializedObject.h"
 #include "Macros/XTextHash.h"
-#include "Utility/Search/SearchableTexts.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -20,16 +19,12 @@ Changes& ChangesByUID()
     return gChanges;
 }
 
-struct Dependency
-{
-    const std::uint32_t* mCount;
-    std::uint32_t mSeen;
-};
-using Dependencies = std::vector<Dependency>;
+using Dependencies = MSearchTexts::Dependencies;
 
 Dependencies* gCollecting = nullptr;
-std::uint64_t gChangeCount = 0; // of all that is asked for: while it stands still, nothing has to be looked at
-std::uint64_t gForgottenCount = 0;
+std::uint32_t gChangeCount = 0; // of all that is asked for: while it stands still, nothing has to be looked at
+std::uint32_t gForgottenCount = 0;
+std::uint64_t gCollectionCount = 0;
 
 class CollectingScope
 {
@@ -44,46 +39,38 @@ private:
 };
 } // namespace
 
-struct MSearchTexts::Collected
-{
-    SearchableTexts mTexts;
-    Dependencies mDependencies;
-    std::uint64_t mChangesSeen = gChangeCount;
-    std::uint64_t mForgottenSeen = gForgottenCount;
-};
-
-MSearchTexts::MSearchTexts() = default;
-MSearchTexts::~MSearchTexts() = default;
-
 const SearchableTexts& MSearchTexts::Get( const MMacroSerializedObject& inObject ) const
 {
-    if ( mCollected and IsValid( *mCollected ) )
-        return mCollected->mTexts;
-    mCollected = std::make_unique<Collected>();
+    if ( not IsValid() )
+        Collect( inObject );
+    return mTexts;
+}
+
+bool MSearchTexts::IsValid() const
+{
+    if ( not mTexts.Defined() or mForgottenSeen != gForgottenCount )
+        return false;
+    if ( mChangesSeen == gChangeCount )
+        return true;
+    mChangesSeen = gChangeCount;
+    return not mDependencies or std::ranges::all_of( *mDependencies, []( const Dependency& dependency ) {
+        return *dependency.mCount == dependency.mSeen;
+    } );
+}
+
+void MSearchTexts::Collect( const MMacroSerializedObject& inObject ) const
+{
     StringSearchee searchee;
+    Dependencies dependencies;
     {
-        const CollectingScope scope( mCollected->mDependencies );
+        const CollectingScope scope( dependencies );
         inObject.AddOwnMatchStrings( searchee );
     }
-    mCollected->mDependencies.shrink_to_fit();
-    mCollected->mTexts = SearchableTexts( searchee );
-    return mCollected->mTexts;
-}
-
-bool MSearchTexts::IsValid( Collected& ioCollected )
-{
-    if ( ioCollected.mForgottenSeen != gForgottenCount )
-        return false;
-    if ( ioCollected.mChangesSeen == gChangeCount )
-        return true;
-    ioCollected.mChangesSeen = gChangeCount;
-    return std::ranges::all_of( ioCollected.mDependencies,
-        []( const Dependency& dependency ) { return *dependency.mCount == dependency.mSeen; } );
-}
-
-void MSearchTexts::Forget()
-{
-    mCollected.reset();
+    mTexts = SearchableTexts( searchee );
+    mDependencies = dependencies.empty() ? nullptr : std::make_unique<const Dependencies>( std::move( dependencies ) );
+    mChangesSeen = gChangeCount;
+    mForgottenSeen = gForgottenCount;
+    ++gCollectionCount;
 }
 
 void MSearchTexts::DidLookUp( const XText& inUID )
@@ -110,4 +97,9 @@ void MSearchTexts::DidChange( const XText& inUID )
 void MSearchTexts::ForgetAll()
 {
     ++gForgottenCount;
+}
+
+std::uint64_t MSearchTexts::GetCollectionCount()
+{
+    return gCollectionCount;
 }

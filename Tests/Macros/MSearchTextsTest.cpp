@@ -144,16 +144,25 @@ TEST_F( SearchTexts, TimesGoByAndUsesCountWithoutAnyChange )
 
 TEST_F( SearchTexts, OnlyWhatDependsOnAChangeIsCollectedAgain )
 {
-    const auto texts = []( TextView uid ) { return &FoundMacro( uid ).GetSearchableTexts(); };
-    const SearchableTexts* const before[] = { texts( u"2" ), texts( u"3" ), texts( u"4" ) };
+    const auto collectedBySearch = [this] {
+        const std::uint64_t before = MSearchTexts::GetCollectionCount();
+        StringSearcher searcher{ TextView( u"group:none -absent" ) };
+        mDomain.DoForEveryMacro(
+            [&]( const MMacroGroup&, const MMacro& macro ) { (void)macro.MatchesTextSearch( searcher ); } );
+        return MSearchTexts::GetCollectionCount() - before;
+    };
+    EXPECT_EQ( collectedBySearch(), 6u ) << "four macros and two groups";
+    EXPECT_EQ( collectedBySearch(), 0u );
+    FoundMacro( u"3" ).SetName( u"new" );
+    EXPECT_EQ( collectedBySearch(), 1u );
     FoundMacro( u"1" ).SetName( u"new" );
-    // Held, so that new texts can't come to lie where the old ones were.
-    const auto keep = std::make_unique<char[]>( sizeof( SearchableTexts ) );
-    EXPECT_EQ( texts( u"3" ), before[1] );
-    EXPECT_EQ( texts( u"4" ), before[2] );
-    EXPECT_TRUE( texts( u"2" )->Matches( SearchPattern( u"new" ), StringSearchee::Kind::kText ) );
+    EXPECT_EQ( collectedBySearch(), 2u ) << "itself, and the one that names it";
     FoundGroup( u"G" ).SetName( u"other" );
+    EXPECT_EQ( collectedBySearch(), 1u );
     FoundGroup( u"H" ).SetIsActive( false );
-    EXPECT_EQ( texts( u"3" ), before[1] );
-    EXPECT_EQ( texts( u"4" ), before[2] );
+    FoundMacro( u"2" ).SetModificationTime( 5 );
+    mClock.Advance( 1e6 );
+    EXPECT_EQ( collectedBySearch(), 0u );
+    MSearchTexts::ForgetAll();
+    EXPECT_EQ( collectedBySearch(), 6u );
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 namespace
@@ -16,17 +17,28 @@ using Lane = std::conditional_t<sizeof( Unit ) == 1, std::uint8_t, std::uint16_t
 
 // The compilers' own vectors, so that one text serves every processor.
 template<class Unit>
-struct Block
+struct VectorOf
 {
-    typedef Lane<Unit> Vector __attribute__( ( vector_size( kBlockBytes ) ) );
+    typedef Lane<Unit> Type __attribute__( ( vector_size( kBlockBytes ) ) );
 };
+template<class Unit>
+using Vector = typename VectorOf<Unit>::Type;
 
 template<class Unit>
-typename Block<Unit>::Vector Load( const Unit* inUnits )
+Vector<Unit> Load( const Unit* inUnits )
 {
-    typename Block<Unit>::Vector block;
+    Vector<Unit> block;
     std::memcpy( &block, inUnits, kBlockBytes );
     return block;
+}
+
+template<class AnyVector>
+bool IsZero( const AnyVector& inVector )
+{
+    std::uint64_t halves[2];
+    static_assert( sizeof halves == sizeof inVector );
+    std::memcpy( halves, &inVector, sizeof halves );
+    return ( halves[0] | halves[1] ) == 0;
 }
 
 // 0 for hardly ever. All that isn't here is rare enough.
@@ -82,71 +94,58 @@ std::size_t FindWithoutGoingBack(
     return std::basic_string_view<Unit>::npos;
 }
 
-template<class Unit>
-class Finder
-{
-public:
-    Finder( std::basic_string_view<Unit> inText, std::basic_string_view<Unit> inNeedle )
-        : mText( inText ),
-          mNeedle( inNeedle ),
-          mRarest( RarestPlaces( inNeedle ) )
-    {}
-
-    std::size_t Find( std::size_t inFrom )
-    {
-        constexpr std::size_t kLanes = kBlockBytes / sizeof( Unit );
-        if ( mNeedle.size() > mText.size() )
-            return npos;
-        const std::size_t end = mText.size() - mNeedle.size() + 1; // of the places where it could begin
-        const auto [first, second] = mRarest;
-        // Said as the lane's type: widening a plain char would smear its sign.
-        const auto a = typename Block<Unit>::Vector{} + Lane<Unit>( mNeedle[first] );
-        const auto b = typename Block<Unit>::Vector{} + Lane<Unit>( mNeedle[second] );
-        std::size_t at = inFrom;
-        for ( ; at + kLanes <= end; at += kLanes )
-        {
-            const auto both = ( Load( mText.data() + at + first ) == a ) & ( Load( mText.data() + at + second ) == b );
-            std::uint64_t halves[2];
-            std::memcpy( halves, &both, kBlockBytes );
-            if ( ( halves[0] | halves[1] ) == 0 )
-                continue;
-            if ( const std::size_t found = TryPlaces( at, at + kLanes ); found != npos )
-                return found;
-            if ( mWork > 16 * ( at - inFrom ) + 4096 )
-                return FindWithoutGoingBack( mText, mNeedle, at + kLanes );
-        }
-        return TryPlaces( at, end );
-    }
-
-private:
-    static constexpr std::size_t npos = std::basic_string_view<Unit>::npos;
-
-    std::size_t TryPlaces( std::size_t inBegin, std::size_t inEnd )
-    {
-        const auto [first, second] = mRarest;
-        for ( std::size_t at = inBegin; at < inEnd; ++at )
-        {
-            if ( mText[at + first] != mNeedle[first] or mText[at + second] != mNeedle[second] )
-                continue;
-            mWork += mNeedle.size();
-            if ( mText.compare( at, mNeedle.size(), mNeedle ) == 0 )
-                return at;
-        }
-        return npos;
-    }
-
-    std::basic_string_view<Unit> mText, mNeedle;
-    std::pair<std::size_t, std::size_t> mRarest;
-    std::size_t mWork = 0; // units that comparing may have looked at
-};
 } // namespace
 
-std::size_t FindLiteral( std::string_view inText, std::string_view inNeedle, std::size_t inFrom )
+template<class Unit>
+LiteralSearch<Unit>::LiteralSearch( View inLiteral ) : mLiteral( inLiteral )
 {
-    return Finder<char>( inText, inNeedle ).Find( inFrom );
+    if ( not mLiteral.empty() )
+        std::tie( mFirst, mSecond ) = RarestPlaces( inLiteral );
 }
 
-std::size_t FindLiteral( TextView inText, TextView inNeedle, std::size_t inFrom )
+template<class Unit>
+std::size_t LiteralSearch<Unit>::Find( View inText, std::size_t inFrom ) const
 {
-    return Finder<char16_t>( inText, inNeedle ).Find( inFrom );
+    if ( mLiteral.empty() or mLiteral.size() > inText.size() )
+        return View::npos;
+    constexpr std::size_t kLanes = kBlockBytes / sizeof( Unit );
+    const std::size_t end = inText.size() - mLiteral.size() + 1; // of the places where it could begin
+    // Said as the lane's type: widening a plain char would smear its sign.
+    const auto a = Vector<Unit>{} + Lane<Unit>( mLiteral[mFirst] );
+    const auto b = Vector<Unit>{} + Lane<Unit>( mLiteral[mSecond] );
+    const Unit* const first = inText.data() + mFirst;
+    const Unit* const second = inText.data() + mSecond;
+    std::size_t work = 0; // units that comparing may have looked at
+    std::size_t at = inFrom;
+    for ( ; at + 2 * kLanes <= end; at += 2 * kLanes )
+    {
+        const auto both = ( ( Load( first + at ) == a ) & ( Load( second + at ) == b ) ) |
+            ( ( Load( first + at + kLanes ) == a ) & ( Load( second + at + kLanes ) == b ) );
+        if ( IsZero( both ) )
+            continue;
+        if ( const std::size_t found = TryPlaces( inText, at, at + 2 * kLanes, work ); found != View::npos )
+            return found;
+        if ( work > 16 * ( at - inFrom ) + 4096 )
+            return FindWithoutGoingBack( inText, View( mLiteral ), at + 2 * kLanes );
+    }
+    return TryPlaces( inText, at, end, work );
 }
+
+template<class Unit>
+std::size_t LiteralSearch<Unit>::TryPlaces(
+    View inText, std::size_t inBegin, std::size_t inEnd, std::size_t& ioWork ) const
+{
+    const Unit first = mLiteral[mFirst], second = mLiteral[mSecond];
+    for ( std::size_t at = inBegin; at < inEnd; ++at )
+    {
+        if ( inText[at + mFirst] != first or inText[at + mSecond] != second )
+            continue;
+        ioWork += mLiteral.size();
+        if ( inText.compare( at, mLiteral.size(), mLiteral ) == 0 )
+            return at;
+    }
+    return View::npos;
+}
+
+template class LiteralSearch<char>;
+template class LiteralSearch<char16_t>;

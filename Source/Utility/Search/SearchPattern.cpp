@@ -65,7 +65,7 @@ public:
     {
         for ( SearchPattern::Phrase& phrase : mPhrases )
         {
-            if ( phrase.empty() or not phrase.back().mFolded.empty() )
+            if ( phrase.empty() or not phrase.back().mText.empty() )
                 phrase.emplace_back();
             ++phrase.back().mBlanksBefore;
         }
@@ -83,7 +83,7 @@ public:
         {
             if ( mPhrases[i].empty() )
                 mPhrases[i].emplace_back();
-            kvr_appendCharacter( mPhrases[i].back().mFolded, inCharacter );
+            kvr_appendCharacter( mPhrases[i].back().mText, inCharacter );
         }
     }
 
@@ -96,9 +96,10 @@ public:
                 return {};
             for ( SearchLiteral& literal : phrase )
             {
-                literal.mFolded = FoldedCase( literal.mFolded );
-                if ( IsASCII( literal.mFolded ) )
-                    literal.mASCII.assign( literal.mFolded.begin(), literal.mFolded.end() );
+                literal.mText = FoldedCase( literal.mText );
+                literal.mFolded = LiteralSearch<char16_t>( literal.mText );
+                if ( IsASCII( literal.mText ) )
+                    literal.mASCII = LiteralSearch<char>( UTF8FromText( literal.mText ) );
             }
         }
         return std::move( mPhrases );
@@ -107,14 +108,14 @@ public:
 private:
     static bool IsForOwnCode( const SearchPattern::Phrase& inPhrase )
     {
-        if ( inPhrase.empty() or inPhrase.front().mFolded.empty() )
+        if ( inPhrase.empty() or inPhrase.front().mText.empty() )
             return false;
         return std::ranges::all_of( inPhrase, []( const SearchLiteral& literal ) {
             // White space behind white space would make the engine try how much the first takes.
-            const bool isAmbiguous = literal.mBlanksBefore > 0 and not literal.mFolded.empty() and
-                kvr_isWhitespace( literal.mFolded.front() );
-            return not isAmbiguous and not FindLoneSurrogate( literal.mFolded ) and
-                literal.mFolded.find( SearchableTexts::kSeparator ) == Text::npos;
+            const bool isAmbiguous =
+                literal.mBlanksBefore > 0 and not literal.mText.empty() and kvr_isWhitespace( literal.mText.front() );
+            return not isAmbiguous and not FindLoneSurrogate( literal.mText ) and
+                literal.mText.find( SearchableTexts::kSeparator ) == Text::npos;
         } );
     }
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "CFMethods/Text.h"
+#include "Utility/Search/LiteralSearch.h"
 
 #include <cstdint>
 #include <span>
@@ -15,8 +16,9 @@
 /// A literal text, as it is looked for in folded texts.
 struct SearchLiteral
 {
-    Text mFolded;
-    std::string mASCII;            ///< the same, if it is ASCII; else empty, since no ASCII text has it
+    Text mText; ///< folded when the pattern is ready
+    LiteralSearch<char16_t> mFolded;
+    LiteralSearch<char> mASCII;    ///< the same, if it is ASCII; else empty, since no ASCII text has it
     std::size_t mBlanksBefore = 0; ///< at least so many white-space characters stand before it
 };
 

@@ -5,6 +5,7 @@
 #include "Utility/Text/StringHelpers.h"
 
 #include <algorithm>
+#include <cstring>
 #include <span>
 
 namespace
@@ -26,11 +27,11 @@ bool IsBlank( char16_t inUnit )
     return kvr_isWhitespace( inUnit );
 }
 
-const std::string& In( std::string_view, const SearchLiteral& inLiteral )
+const LiteralSearch<char>& In( std::string_view, const SearchLiteral& inLiteral )
 {
     return inLiteral.mASCII;
 }
-const Text& In( TextView, const SearchLiteral& inLiteral )
+const LiteralSearch<char16_t>& In( TextView, const SearchLiteral& inLiteral )
 {
     return inLiteral.mFolded;
 }
@@ -42,21 +43,23 @@ class PhraseSearch
 public:
     using View = std::basic_string_view<Unit>;
 
-    PhraseSearch( View inText, const SearchPattern::Phrase& inPhrase, std::span<const std::uint32_t> inInnerPlaces )
+    /// The inner places count from the given number of units before the text.
+    PhraseSearch( View inText, const SearchPattern::Phrase& inPhrase, std::span<const std::uint32_t> inInnerPlaces = {},
+        std::size_t inUnitsBefore = 0 )
         : mText( inText ),
           mPhrase( inPhrase ),
-          mInnerPlaces( inInnerPlaces )
+          mInnerPlaces( inInnerPlaces ),
+          mUnitsBefore( inUnitsBefore )
     {}
 
     bool Matches() const
     {
-        const auto& first = In( mText, mPhrase.front() );
-        if ( first.empty() ) // it isn't ASCII, and the text is
-            return false;
-        for ( std::size_t at = FindLiteral( mText, first ); at != View::npos; at = FindLiteral( mText, first, at + 1 ) )
+        const auto& first = In( mText, mPhrase.front() ); // empty if it isn't ASCII, and the text is
+        const std::size_t length = first.GetLiteral().size();
+        for ( std::size_t at = first.Find( mText ); at != View::npos; at = first.Find( mText, at + 1 ) )
         {
-            if ( not IsInner( at ) and not IsInner( at + first.size() ) and HasBlanksBefore( at ) and
-                RestMatches( at + first.size() ) )
+            if ( not IsInner( at ) and not IsInner( at + length ) and HasBlanksBefore( at ) and
+                RestMatches( at + length ) )
                 return true;
         }
         return false;
@@ -66,7 +69,7 @@ private:
     bool IsInner( std::size_t inAt ) const
     {
         return not mInnerPlaces.empty() and
-            std::binary_search( mInnerPlaces.begin(), mInnerPlaces.end(), std::uint32_t( inAt ) );
+            std::ranges::binary_search( mInnerPlaces, std::uint32_t( inAt + mUnitsBefore ) );
     }
 
     bool HasBlanksBefore( std::size_t inAt ) const
@@ -86,8 +89,8 @@ private:
             std::size_t blanks = 0;
             for ( ; inAt < mText.size() and IsBlank( mText[inAt] ); ++inAt )
                 ++blanks;
-            const auto& literal = In( mText, mPhrase[i] );
-            const bool isElsewhere = literal.empty() and not mPhrase[i].mFolded.empty();
+            const auto& literal = In( mText, mPhrase[i] ).GetLiteral();
+            const bool isElsewhere = literal.empty() and not mPhrase[i].mText.empty();
             if ( isElsewhere or blanks < mPhrase[i].mBlanksBefore or not mText.substr( inAt ).starts_with( literal ) )
                 return false;
             inAt += literal.size();
@@ -100,102 +103,132 @@ private:
     View mText;
     const SearchPattern::Phrase& mPhrase;
     std::span<const std::uint32_t> mInnerPlaces;
+    std::size_t mUnitsBefore;
 };
 } // namespace
 
-template<class Unit>
-void SearchableTexts::Store<Unit>::Set( const std::basic_string<Unit>& inUnits )
+// Where each slot's texts end, and how many inner places there are.
+struct SearchableTexts::Layout
 {
-    if ( inUnits.empty() )
-        return;
-    mUnits = std::make_unique_for_overwrite<Unit[]>( inUnits.size() );
-    std::ranges::copy( inUnits, mUnits.get() );
-}
+    std::uint32_t mWideEnds[std::size( kSlotKinds )];
+    std::uint32_t mASCIIEnds[std::size( kSlotKinds )];
+    std::uint32_t mInnerPlaces;
 
-template<class Unit>
-std::basic_string_view<Unit> SearchableTexts::Store<Unit>::Slots( std::size_t inFirst, std::size_t inLast ) const
+    static constexpr std::size_t kWords = 2 * std::size( kSlotKinds ) + 1;
+    [[nodiscard]] std::size_t WideWords() const { return ( mWideEnds[std::size( kSlotKinds ) - 1] + 1 ) / 2; }
+    [[nodiscard]] std::size_t ASCIIWords() const { return ( mASCIIEnds[std::size( kSlotKinds ) - 1] + 3 ) / 4; }
+    [[nodiscard]] std::size_t Words() const { return kWords + WideWords() + mInnerPlaces + ASCIIWords(); }
+};
+
+struct SearchableTexts::Pieces
 {
-    const std::size_t begin = inFirst == 0 ? 0 : mEnds[inFirst - 1];
-    return { mUnits.get() + begin, mEnds[inLast] - begin };
+    TextView mWide;
+    std::size_t mWideUnitsBefore;
+    std::span<const std::uint32_t> mInnerPlaces; // of all wide texts
+    std::string_view mASCII;
+};
+
+namespace
+{
+void AddText( const Text& inText, std::string& ioASCII, Text& ioWide, std::vector<std::uint32_t>& ioInnerPlaces )
+{
+    if ( not IsASCII( inText ) )
+    {
+        AppendFoldedCase( inText, ioWide, ioInnerPlaces );
+        ioWide += SearchableTexts::kSeparator;
+        return;
+    }
+    const std::size_t start = ioASCII.size();
+    ioASCII.resize( start + inText.size() + 1, kASCIISeparator );
+    std::ranges::transform( inText, ioASCII.begin() + std::ptrdiff_t( start ),
+        []( char16_t unit ) { return char( unit >= u'A' and unit <= u'Z' ? unit + 32 : unit ); } );
 }
+} // namespace
 
 SearchableTexts::SearchableTexts( const StringSearchee& inSearchee )
 {
-    static_assert( std::size( kSlotKinds ) == kSlots );
     std::string ascii;
     Text wide;
     std::vector<std::uint32_t> innerPlaces;
+    Layout layout{};
     const auto elements = inSearchee.GetElements();
-    for ( std::size_t slot = 0; slot < kSlots; ++slot )
+    for ( std::size_t slot = 0; slot < std::size( kSlotKinds ); ++slot )
     {
-        for ( std::size_t i = 0; i < elements.size(); ++i )
+        const StringSearchee::Element* last = nullptr;
+        for ( const StringSearchee::Element& element : elements )
         {
-            if ( elements[i].mKind != kSlotKinds[slot] or elements[i].mText.empty() )
+            if ( element.mKind != kSlotKinds[slot] or element.mText.empty() )
                 continue;
             // Actions say much twice: a title that is the description too, a field that the user named it by.
-            if ( i > 0 and elements[i].mKind == elements[i - 1].mKind and elements[i].mText == elements[i - 1].mText )
-                continue;
-            if ( IsASCII( elements[i].mText ) )
-            {
-                for ( const char16_t unit : elements[i].mText )
-                    ascii += char( unit >= u'A' and unit <= u'Z' ? unit + 32 : unit );
-                ascii += kASCIISeparator;
-            }
-            else
-            {
-                AppendFoldedCase( elements[i].mText, wide, innerPlaces );
-                wide += kSeparator;
-            }
+            if ( not last or last->mText != element.mText )
+                AddText( element.mText, ascii, wide, innerPlaces );
+            last = &element;
         }
-        mASCII.mEnds[slot] = std::uint32_t( ascii.size() );
-        mWide.mEnds[slot] = std::uint32_t( wide.size() );
+        layout.mASCIIEnds[slot] = std::uint32_t( ascii.size() );
+        layout.mWideEnds[slot] = std::uint32_t( wide.size() );
     }
-    mASCII.Set( ascii );
-    mWide.Set( wide );
-    if ( not innerPlaces.empty() )
-        mInnerPlaces = std::make_unique<const std::vector<std::uint32_t>>( std::move( innerPlaces ) );
+    layout.mInnerPlaces = std::uint32_t( innerPlaces.size() );
+
+    auto block = std::make_unique_for_overwrite<std::uint32_t[]>( layout.Words() );
+    std::uint32_t* at = block.get();
+    const auto append = [&at]( const void* inBytes, std::size_t inCount, std::size_t inWords ) {
+        if ( inCount > 0 )
+            std::memcpy( at, inBytes, inCount );
+        at += inWords;
+    };
+    append( &layout, sizeof layout, Layout::kWords );
+    append( wide.data(), wide.size() * sizeof( char16_t ), layout.WideWords() );
+    append( innerPlaces.data(), innerPlaces.size() * sizeof( std::uint32_t ), innerPlaces.size() );
+    append( ascii.data(), ascii.size(), layout.ASCIIWords() );
+    mBlock = std::move( block );
 }
 
-SearchableTexts::Slots SearchableTexts::SlotsOf( Kind inKind )
+const SearchableTexts::Layout& SearchableTexts::GetLayout() const
 {
-    if ( inKind == Kind::kText )
-        return { 0, kSlotsOfPlainWords - 1 };
-    const std::size_t slot = std::size_t( std::ranges::find( kSlotKinds, inKind ) - std::begin( kSlotKinds ) );
-    return { slot, slot };
+    static_assert( sizeof( Layout ) == Layout::kWords * sizeof( std::uint32_t ) );
+    static constexpr Layout kNothing{};
+    return mBlock ? *reinterpret_cast<const Layout*>( mBlock.get() ) : kNothing;
+}
+
+SearchableTexts::Pieces SearchableTexts::PiecesOf( Kind inKind ) const
+{
+    const Layout& layout = GetLayout();
+    // A plain word is looked for in several slots, which lie in one piece.
+    const std::size_t first = std::size_t( std::ranges::find( kSlotKinds, inKind ) - std::begin( kSlotKinds ) );
+    const std::size_t last = inKind == Kind::kText ? kSlotsOfPlainWords - 1 : first;
+    const auto beginOf = [first]( const std::uint32_t* ends ) { return first == 0 ? 0 : ends[first - 1]; };
+    if ( not mBlock or last >= std::size( kSlotKinds ) )
+        return {};
+    const std::uint32_t* const wide = mBlock.get() + Layout::kWords;
+    const std::uint32_t* const inner = wide + layout.WideWords();
+    const std::uint32_t* const ascii = inner + layout.mInnerPlaces;
+    const std::size_t wideBegin = beginOf( layout.mWideEnds ), asciiBegin = beginOf( layout.mASCIIEnds );
+    return {
+        { reinterpret_cast<const char16_t*>( wide ) + wideBegin, layout.mWideEnds[last] - wideBegin },
+        wideBegin,
+        { inner, layout.mInnerPlaces },
+        { reinterpret_cast<const char*>( ascii ) + asciiBegin, layout.mASCIIEnds[last] - asciiBegin },
+    };
 }
 
 bool SearchableTexts::Has( Kind inKind ) const
 {
-    const auto [first, last] = SlotsOf( inKind );
-    return not mASCII.Slots( first, last ).empty() or not mWide.Slots( first, last ).empty();
+    const Pieces pieces = PiecesOf( inKind );
+    return not pieces.mASCII.empty() or not pieces.mWide.empty();
 }
 
 bool SearchableTexts::Matches( const SearchPattern& inPattern, Kind inKind ) const
 {
     if ( inPattern.IsEmpty() )
         return Has( inKind );
-    const auto [first, last] = SlotsOf( inKind );
-    const std::string_view ascii = mASCII.Slots( first, last );
-    const TextView wide = mWide.Slots( first, last );
-    // The inner places count from the start of all wide texts.
-    std::vector<std::uint32_t> inner;
-    if ( mInnerPlaces )
-    {
-        const std::uint32_t begin = mWide.mEnds[last] - std::uint32_t( wide.size() );
-        for ( const std::uint32_t place : *mInnerPlaces )
-        {
-            if ( place >= begin and place < begin + wide.size() )
-                inner.push_back( place - begin );
-        }
-    }
+    const Pieces pieces = PiecesOf( inKind );
     return std::ranges::any_of( inPattern.GetPhrases(), [&]( const SearchPattern::Phrase& phrase ) {
-        return PhraseSearch<char>( ascii, phrase, {} ).Matches() or
-            ( not wide.empty() and PhraseSearch<char16_t>( wide, phrase, inner ).Matches() );
+        return PhraseSearch<char>( pieces.mASCII, phrase ).Matches() or
+            PhraseSearch<char16_t>( pieces.mWide, phrase, pieces.mInnerPlaces, pieces.mWideUnitsBefore ).Matches();
     } );
 }
 
 std::size_t SearchableTexts::GetBytes() const
 {
-    return mASCII.mEnds.back() + mWide.mEnds.back() * sizeof( char16_t ) +
-        ( mInnerPlaces ? mInnerPlaces->capacity() * sizeof( std::uint32_t ) : 0 );
+    return mBlock ? GetLayout().Words() * sizeof( std::uint32_t ) : 0;
 }

@@ -200,9 +200,10 @@ TEST( LiteralSearch, FindsWhatTheStandardLibraryFinds )
                 ( *target )[random.Next() % target->size()] = char( 'a' + random.Next() % 3 );
         }
         const std::size_t from = random.Next() % 20;
-        ASSERT_EQ( FindLiteral( text, needle, from ), text.find( needle, from ) ) << needle << " in " << text;
+        ASSERT_EQ( LiteralSearch<char>( needle ).Find( text, from ), text.find( needle, from ) )
+            << needle << " in " << text;
         const Text wideText = TextFromASCII( text ), wideNeedle = TextFromASCII( needle );
-        ASSERT_EQ( FindLiteral( TextView( wideText ), TextView( wideNeedle ), from ), text.find( needle, from ) );
+        ASSERT_EQ( LiteralSearch<char16_t>( wideNeedle ).Find( wideText, from ), text.find( needle, from ) );
     }
 }
 
@@ -211,7 +212,7 @@ TEST( LiteralSearch, LongRunsOfFewLettersAreSearchedWithoutGoingBack )
     // By going back this would compare ten billion letters.
     std::string text( 400000, 'a' ), needle( 100000, 'a' );
     needle[50000] = 'b';
-    EXPECT_EQ( FindLiteral( text, needle ), std::string::npos );
+    EXPECT_EQ( LiteralSearch<char>( needle ).Find( text ), std::string::npos );
     text[350000] = 'b';
-    EXPECT_EQ( FindLiteral( text, needle ), 300000u );
+    EXPECT_EQ( LiteralSearch<char>( needle ).Find( text ), 300000u );
 }
