@@ -152,6 +152,10 @@ SearchableTexts::SearchableTexts( const StringSearchee& inSearchee )
     std::vector<std::uint32_t> innerPlaces;
     Layout layout{};
     const auto elements = inSearchee.GetElements();
+    std::size_t units = 0;
+    for ( const StringSearchee::Element& element : elements )
+        units += element.mText.size() + 1;
+    ascii.reserve( units );
     for ( std::size_t slot = 0; slot < std::size( kSlotKinds ); ++slot )
     {
         const StringSearchee::Element* last = nullptr;

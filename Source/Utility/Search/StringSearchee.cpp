@@ -21,8 +21,11 @@ bool IsReadable( StringSearchee::Kind inKind )
 
 void StringSearchee::AddText( Kind inKind, Words inText )
 {
-    if ( not inText.mText.empty() )
-        mElements.push_back( { false, inKind, std::move( inText.mText ) } );
+    if ( inText.mText.empty() )
+        return;
+    if ( mElements.empty() )
+        mElements.reserve( 32 ); // few objects have less to say
+    mElements.push_back( { false, inKind, std::move( inText.mText ) } );
 }
 
 void StringSearchee::AddTime( Kind inKind, double inTime, double inAge )

@@ -69,7 +69,7 @@ TEST_F( Typing, ABlankStandsForTheRestOfAWordOrHump )
         { u"ab c", { u"About Card", u"Above", u"Zebra" }, "About Card" },
         { u"ab c", { u"abZ", u"aboutCard" }, "aboutCard" },
         { u"ab c", { u"About Card", u"Ab Cz" }, "Ab Cz" }, // the smallest of those that match
-        { u"ab c", { u"abacus", u"abd" }, "abacus" }, // a hump begins with a capital, so only the order is left
+        { u"ab c", { u"abacus", u"abd" }, "abacus" },      // a hump begins with a capital, so only the order is left
         { u"a\\E c", { u"a\\Eb card", u"zz" }, "a\\Eb card" },
         { u"a( c", { u"a(b card", u"zz" }, "a(b card" },
     };
