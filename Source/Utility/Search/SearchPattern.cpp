@@ -2,7 +2,6 @@
 
 #include "Utility/Search/CaseFolding.h"
 #include "Utility/Search/SearchableTexts.h"
-#include "Utility/Text/Format.h"
 #include "Utility/Text/NSStringRegularExpressions.h"
 #include "Utility/Text/StringHelpers.h"
 
@@ -17,6 +16,20 @@ constexpr bool StandsAsItIs( char32_t inCharacter )
 {
     return ( inCharacter >= U'a' and inCharacter <= U'z' ) or ( inCharacter >= U'A' and inCharacter <= U'Z' ) or
         ( inCharacter >= U'0' and inCharacter <= U'9' ) or inCharacter == U'-' or inCharacter == U':';
+}
+
+// "\x%02X", or "\x{%04X}" above 255.
+void AppendByNumber( char32_t inCharacter, Text& ioExpression )
+{
+    const bool isWide = inCharacter > 0xFF;
+    int digits = isWide ? 4 : 2;
+    while ( inCharacter >> ( 4 * digits ) )
+        ++digits;
+    ioExpression += isWide ? u"\\x{" : u"\\x";
+    while ( digits-- > 0 )
+        ioExpression += u"0123456789ABCDEF"[( inCharacter >> ( 4 * digits ) ) & 0xF];
+    if ( isWide )
+        ioExpression += u'}';
 }
 
 // Reads an expression character by character: that and only that which SafeExpression and the hot keys write.
@@ -161,10 +174,8 @@ Text SearchPattern::SafeExpression( TextView inTerm )
             expression += char16_t( character );
         else if ( character == kPhraseBlank )
             expression += u"\\s+";
-        else if ( character <= 0xFF )
-            expression += kvr_format( u"\\x%02X", std::uint32_t( character ) );
         else
-            expression += kvr_format( u"\\x{%04X}", std::uint32_t( character ) );
+            AppendByNumber( character, expression );
     }
     return expression;
 }

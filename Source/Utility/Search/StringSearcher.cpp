@@ -252,6 +252,11 @@ void StringSearcher::Add( TextView inTerm )
     term.erase( 0, negated );
     if ( term.empty() )
         return;
+    if ( mTerms.size() == kMaxTerms )
+    {
+        XErrorHandler::PrivateMaybeLogFormat( "Search", "Search terms beyond the first %lu ignored", kMaxTerms );
+        return;
+    }
 
     // 3. and 4.
     Text expression = SearchPattern::SafeExpression( term );
@@ -282,11 +287,6 @@ void StringSearcher::Add( TextView inTerm )
 
 void StringSearcher::AddTerm( Kind inKind, bool inNegated, Text inText, double inAge )
 {
-    if ( mTerms.size() == kMaxTerms )
-    {
-        XErrorHandler::PrivateMaybeLogFormat( "Search", "Search terms beyond the first %lu ignored", kMaxTerms );
-        return;
-    }
     SearchTerm term;
     term.mNegated = inNegated;
     term.mKind = inKind;
