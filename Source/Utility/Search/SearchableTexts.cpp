@@ -181,9 +181,9 @@ SearchableTexts::SearchableTexts( const StringSearchee& inSearchee )
         at += inWords;
     };
     append( &layout, sizeof layout, Layout::kWords );
+    append( ascii.data(), ascii.size(), layout.ASCIIWords() );
     append( wide.data(), wide.size() * sizeof( char16_t ), layout.WideWords() );
     append( innerPlaces.data(), innerPlaces.size() * sizeof( std::uint32_t ), innerPlaces.size() );
-    append( ascii.data(), ascii.size(), layout.ASCIIWords() );
     mBlock = std::move( block );
 }
 
@@ -203,9 +203,9 @@ SearchableTexts::Pieces SearchableTexts::PiecesOf( Kind inKind ) const
     const auto beginOf = [first]( const std::uint32_t* ends ) { return first == 0 ? 0 : ends[first - 1]; };
     if ( not mBlock or last >= std::size( kSlotKinds ) )
         return {};
-    const std::uint32_t* const wide = mBlock.get() + Layout::kWords;
+    const std::uint32_t* const ascii = mBlock.get() + Layout::kWords;
+    const std::uint32_t* const wide = ascii + layout.ASCIIWords();
     const std::uint32_t* const inner = wide + layout.WideWords();
-    const std::uint32_t* const ascii = inner + layout.mInnerPlaces;
     const std::size_t wideBegin = beginOf( layout.mWideEnds ), asciiBegin = beginOf( layout.mASCIIEnds );
     return {
         { reinterpret_cast<const char16_t*>( wide ) + wideBegin, layout.mWideEnds[last] - wideBegin },
@@ -225,6 +225,10 @@ bool SearchableTexts::Matches( const SearchPattern& inPattern, Kind inKind ) con
 {
     if ( inPattern.IsEmpty() )
         return Has( inKind );
+    // What a search waits for is memory: the first texts are fetched together with the layout, not after it.
+    constexpr std::size_t kLineWords = 16;
+    for ( std::size_t line = 1; line <= 4 and mBlock; ++line )
+        __builtin_prefetch( mBlock.get() + line * kLineWords );
     const Pieces pieces = PiecesOf( inKind );
     return std::ranges::any_of( inPattern.GetPhrases(), [&]( const SearchPattern::Phrase& phrase ) {
         return PhraseSearch<char>( pieces.mASCII, phrase ).Matches() or

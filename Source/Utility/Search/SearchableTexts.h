@@ -36,6 +36,6 @@ private:
     [[nodiscard]] const Layout& GetLayout() const;
     [[nodiscard]] Pieces PiecesOf( StringSearchee::Kind inKind ) const;
 
-    // The layout; the wide texts; the places within wide characters, as indexes; the texts of ASCII.
+    // The layout; the texts of ASCII; the wide texts; the places within wide characters, as indexes.
     std::unique_ptr<const std::uint32_t[]> mBlock;
 };
