@@ -32,7 +32,7 @@ void AScreenCapture::DescribeFields( HFieldVisitor& inVisitor )
         mScreenArea.ReadOlderKeys( inVisitor );
     else
         mScreenArea.DescribeIn( inVisitor, "ScreenArea" );
-    inVisitor.Text( "Destination", mPath );
+    inVisitor.Text( "Destination", mPath, { .mWrite = XWrite::kWhenSet } ); // a path, where a file has one
     inVisitor.Part( "Destination", mClipboard );
 }
 

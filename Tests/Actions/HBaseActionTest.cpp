@@ -215,7 +215,7 @@ TEST( HBaseAction, AnApplicationThatIsNotInUseIsKeptForWhoChoosesItAgain )
             { "TargetApplication", application } } );
     EXPECT_EQ( Reloaded( target ), target );
     const auto unknown = Reloaded( With( target, "TargetingType", Str( u"Behind" ) ) );
-    EXPECT_EQ( unknown, target );
+    EXPECT_EQ( unknown, With( target, "TargetingType", Str( u"Specific" ) ) ) << "an application stands beside it";
     const auto open =
         ActionDict( u"OpenURL", { { "IsDefaultApplication", Bool( true ) }, { "Application", application } } );
     EXPECT_EQ( At( Reloaded( open ), "IsDefaultApplication" ), Bool( true ) );
