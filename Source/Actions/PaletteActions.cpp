@@ -1,6 +1,7 @@
 #include "Actions/PaletteActions.h"
 
 #include "Actions/DescriptionText.h"
+#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
 // Show Palette of Macros
@@ -23,9 +24,26 @@ Text AShowPaletteOfMacros::InternalGetActionDescriptionString() const
 
 // Get Touch Bar Selection
 
+void AGetTouchBarSelection::DescribeButtons( HFieldVisitor& inVisitor )
+{
+    if ( StringSearchee* searchee = inVisitor.Searchee() )
+    {
+        if ( const XPlistString* const text = mButtons.AsString() )
+            searchee->Add( text->GetText() );
+        return;
+    }
+    inVisitor.Value( "Buttons", mButtons );
+    const bool isUsable = mButtons.AsString() or mButtons.AsArray() or mButtons.AsDictionary() or mButtons.AsData();
+    if ( inVisitor.IsReading() and not isUsable )
+    {
+        inVisitor.NoteRepair( "Buttons", u"is no text, array, dictionary or data; “none” stands" );
+        mButtons = SharedText<u"none">();
+    }
+}
+
 void AGetTouchBarSelection::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Text( "Buttons", mButtons );
+    DescribeButtons( inVisitor );
     mResult.DescribeFields( inVisitor );
 }
 

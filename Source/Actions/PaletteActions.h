@@ -27,7 +27,9 @@ protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
 
 private:
-    XText mButtons = SharedText<u"none">();
+    void DescribeButtons( HFieldVisitor& inVisitor );
+
+    __SafeCFPropertyList mButtons = SharedText<u"none">(); // a text, or a container or data, kept as they stand
     ActionResult mResult;
 };
 

@@ -233,7 +233,7 @@ TEST( DesktopActions, AnOlderScreenCaptureBecomesAnArea )
     EXPECT_EQ( At( area, "ScreenAreaType" ), Str( u"WindowName" ) );
     EXPECT_EQ( At( area, "IndexExpression" ), Str( u"3" ) );
     EXPECT_EQ( At( area, "WindowName" ), Str( u"Doc" ) );
-    EXPECT_EQ( read.AsDictionary()->GetCount(), 5u ) << Shown( read );
+    EXPECT_EQ( read.AsDictionary()->GetCount(), 4u ) << Shown( read );
 }
 
 TEST( DesktopActions, TheMousesActionAndItsRestoreFlagAreTwoFormsOfTwoFlags )
