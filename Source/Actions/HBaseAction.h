@@ -8,6 +8,7 @@
 #include "Actions/HActionList.h"
 #include "Actions/HActionType.h"
 #include "Actions/HFieldVisitor.h"
+#include "CFMethods/NodeAllocator.h"
 
 #include <cstdint>
 #include <memory>
@@ -26,6 +27,13 @@ class HBaseAction
 public:
     virtual ~HBaseAction();
     HBaseAction& operator=( const HBaseAction& ) = delete;
+
+    // A file is half a million actions.
+    [[nodiscard]] static void* operator new( std::size_t inBytes ) { return NodeAllocator::AllocateObject( inBytes ); }
+    static void operator delete( void* inAction, std::size_t inBytes )
+    {
+        NodeAllocator::FreeObject( inAction, inBytes );
+    }
 
     // Making
 

@@ -19,7 +19,7 @@
 
 namespace
 {
-constexpr std::size_t kChunkBytes = 64 << 10; // chunks are aligned to their size, so that a node finds its chunk
+using NodeAllocator::kChunkBytes;
 constexpr std::size_t kRegionBytes = 4 << 20; // what is asked of the system at once
 constexpr std::size_t kMostWarmChunks = 256;  // free ones that keep their pages; others give them back
 
@@ -103,7 +103,7 @@ struct Cutting
     std::uint32_t mCount;
 };
 // Without constructors, as nodes are still made while the objects of a thread or the program are destroyed.
-constinit thread_local Cutting gCutting[2] = {};
+constinit thread_local Cutting gCutting[3] = {};
 constinit thread_local int gHeapForTesting = 0;
 
 void Drop( Chunk* inChunk, std::uint32_t inCount )
@@ -137,6 +137,17 @@ void TakeChunk( Cutting& ioCutting )
     ioCutting = { reinterpret_cast<char*>( chunk ) + kChunkHead, reinterpret_cast<char*>( chunk ) + kChunkBytes, chunk,
         0 };
 }
+[[maybe_unused]] void* Cut( std::size_t inBytes, NodeAllocator::Kind inKind )
+{
+    const std::size_t bytes = ( inBytes + alignof( void* ) - 1 ) & ~( alignof( void* ) - 1 );
+    Cutting& cutting = gCutting[std::size_t( inKind )];
+    if ( std::size_t( cutting.mEnd - cutting.mNext ) < bytes ) [[unlikely]]
+        TakeChunk( cutting );
+    void* const node = cutting.mNext;
+    cutting.mNext += bytes;
+    ++cutting.mCount;
+    return node;
+}
 } // namespace
 
 void* NodeAllocator::Allocate( [[maybe_unused]] std::size_t inBytes, [[maybe_unused]] Kind inKind )
@@ -146,20 +157,38 @@ void* NodeAllocator::Allocate( [[maybe_unused]] std::size_t inBytes, [[maybe_unu
 #else
     if ( gHeapForTesting > 0 ) [[unlikely]]
         return nullptr;
-    const std::size_t bytes = ( inBytes + alignof( void* ) - 1 ) & ~( alignof( void* ) - 1 );
-    Cutting& cutting = gCutting[std::size_t( inKind )];
-    if ( std::size_t( cutting.mEnd - cutting.mNext ) < bytes ) [[unlikely]]
-        TakeChunk( cutting );
-    void* const node = cutting.mNext;
-    cutting.mNext += bytes;
-    ++cutting.mCount;
-    return node;
+    return Cut( inBytes, inKind );
 #endif
 }
 
 void NodeAllocator::Free( const void* inNode )
 {
     Drop( reinterpret_cast<Chunk*>( reinterpret_cast<std::uintptr_t>( inNode ) & ~( kChunkBytes - 1 ) ), 1 );
+}
+
+void NodeAllocator::Freeing::Flush()
+{
+    if ( mCount > 0 )
+        Drop( reinterpret_cast<Chunk*>( mChunk ), mCount );
+    mCount = 0;
+}
+
+void* NodeAllocator::AllocateObject( std::size_t inBytes )
+{
+#ifndef KORVALEN_NODES_ON_HEAP
+    if ( inBytes <= kMostBytes )
+        return Cut( inBytes, Kind::kObject );
+#endif
+    return ::operator new( inBytes );
+}
+
+void NodeAllocator::FreeObject( void* inObject, std::size_t inBytes )
+{
+#ifndef KORVALEN_NODES_ON_HEAP
+    if ( inBytes <= kMostBytes )
+        return Free( inObject );
+#endif
+    ::operator delete( inObject, inBytes );
 }
 
 NodeAllocator::HeapForTesting::HeapForTesting()

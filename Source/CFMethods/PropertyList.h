@@ -41,10 +41,14 @@ public:
 
     [[nodiscard]] XPlistType GetType() const { return mType; }
 
-    void Retain() const { mReferences.fetch_add( 1, std::memory_order_relaxed ); }
+    void Retain() const
+    {
+        if ( not( mFlags & kForeverFlag ) )
+            mReferences.fetch_add( 1, std::memory_order_relaxed );
+    }
     void Release() const
     {
-        if ( mFlags & kInternedFlag )
+        if ( mFlags & ( kInternedFlag | kForeverFlag ) )
             ReleaseInterned();
         // The last holder may destroy without an atomic write: nobody else can see the value.
         else if ( mReferences.load( std::memory_order_acquire ) == 1 or
@@ -65,11 +69,18 @@ protected:
     static constexpr std::uint8_t kAloneFlag = 16;   // a key that the table had no room for
     static constexpr std::uint8_t kChunkFlag = 32;   // out of a chunk of the node allocator, not the heap
 
+    static constexpr std::uint8_t kForeverFlag = 64; // never freed, so not counted: the keys and values of every file
+
     static void Destroy( const XPlistNode* inNode );
     static void FreeMemory( const XPlistNode* inNode );
     // A key in the table may be found by another thread at any moment, so its last release is
     // decided under the table's lock.
-    void ReleaseInterned() const;
+    void ReleaseInterned() const
+    {
+        if ( not( mFlags & kForeverFlag ) )
+            ReleaseCountedKey();
+    }
+    void ReleaseCountedKey() const;
 
     mutable std::atomic<std::uint32_t> mReferences{ 1 };
     XPlistType mType;
@@ -260,7 +271,7 @@ public:
 
 private:
     friend class XPlistNode;
-    explicit XPlistBoolean( bool inValue ) : XPlistNode( XPlistType::kBoolean, 0 ), mValue( inValue ) {}
+    explicit XPlistBoolean( bool inValue ) : XPlistNode( XPlistType::kBoolean, kForeverFlag ), mValue( inValue ) {}
 
     bool mValue;
 };

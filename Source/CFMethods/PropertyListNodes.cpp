@@ -67,6 +67,13 @@ public:
         auto* const node = const_cast<XPlistString*>( added.GetCFRef() );
         node->mKeyHash = inHash;
         node->mFlags |= XPlistString::kInternedFlag;
+        // Before anybody else sees it; later would be a race. Counting the keys that all files have would be a
+        // good part of what reading and writing costs; strangers' files can't make more of them than this.
+        if ( mForever < kMostForever and node->GetLength() <= kMostForeverLength )
+        {
+            node->mFlags |= XPlistString::kForeverFlag;
+            ++mForever;
+        }
         mSlots[slot] = node;
         ++mCount;
         return added;
@@ -98,6 +105,8 @@ public:
 
 private:
     static constexpr unsigned kMostProbes = 128;
+    static constexpr std::size_t kMostForever = 4096;
+    static constexpr std::size_t kMostForeverLength = 64;
 
     [[nodiscard]] std::size_t SlotFor( std::uint32_t inHash ) const
     {
@@ -123,9 +132,10 @@ private:
     std::vector<XPlistString*> mSlots = std::vector<XPlistString*>( 1024 );
     std::size_t mMask = 1023;
     std::size_t mCount = 0;
+    std::size_t mForever = 0;
 };
 
-void XPlistNode::ReleaseInterned() const
+void XPlistNode::ReleaseCountedKey() const
 {
     std::uint32_t count = mReferences.load( std::memory_order_relaxed );
     while ( count > 1 )
@@ -182,9 +192,23 @@ void XPlistNode::Destroy( const XPlistNode* inNode )
         container->mLinkHigh = std::uint32_t( std::uint64_t( link ) >> 32 );
         pending = container;
     };
+    NodeAllocator::Freeing freeing;
+    const auto freeMemory = [&freeing]( const XPlistNode* node ) {
+        if ( node->mFlags & kChunkFlag )
+            freeing.Free( node );
+        else
+            ::operator delete( const_cast<XPlistNode*>( node ) );
+    };
+    const auto releaseLeaf = [&]( const XPlistNode* node ) {
+        if ( node->mFlags & ( kInternedFlag | kForeverFlag ) )
+            node->ReleaseInterned();
+        else if ( node->mReferences.load( std::memory_order_acquire ) == 1 or
+            node->mReferences.fetch_sub( 1, std::memory_order_acq_rel ) == 1 )
+            freeMemory( node );
+    };
     const auto release = [&]( const XPlistNode* node ) {
         if ( not isContainer( node ) )
-            node->Release();
+            releaseLeaf( node );
         else if ( node->mReferences.load( std::memory_order_acquire ) == 1 or
             node->mReferences.fetch_sub( 1, std::memory_order_acq_rel ) == 1 )
             push( node );
@@ -210,7 +234,7 @@ void XPlistNode::Destroy( const XPlistNode* inNode )
                 release( entry.mValue );
             }
         }
-        FreeMemory( container );
+        freeMemory( container );
     }
 }
 
@@ -429,7 +453,10 @@ CFContainer<XPlistNumber> XPlistNumber::Make( std::int64_t inValue )
     static XPlistNumber* const* const gShared = [] {
         static XPlistNumber* shared[kSharedIntegers];
         for ( std::int64_t i = 0; i < kSharedIntegers; ++i )
+        {
             shared[i] = XPlistMaker::NewInteger( i );
+            shared[i]->mFlags |= kForeverFlag;
+        }
         return shared;
     }();
     if ( inValue >= 0 and inValue < kSharedIntegers )

@@ -52,7 +52,9 @@ private:
 
 MMacro::MMacro() : mActions( std::make_shared<HActionList>() ) {}
 
-MMacro::MMacro( const __SafeCFPropertyList& inValue ) : MMacro()
+MMacro::MMacro( const __SafeCFPropertyList& inValue )
+    : MMacroSerializedObject( WithoutUID() ),
+      mActions( std::make_shared<HActionList>() )
 {
     Fill( inValue );
 }

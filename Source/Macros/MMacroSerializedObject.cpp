@@ -34,6 +34,11 @@ MMacroSerializedObject::MMacroSerializedObject() : mSerialNumber( gSerialNumberS
     MMacroSerializedObject::RecreateUID();
 }
 
+MMacroSerializedObject::MMacroSerializedObject( WithoutUID )
+    : mSerialNumber( gSerialNumberSource++ ),
+      mUID( TextView() )
+{}
+
 MMacroSerializedObject::~MMacroSerializedObject()
 {
     if ( mUID.IsNull() )
@@ -41,7 +46,8 @@ MMacroSerializedObject::~MMacroSerializedObject()
         XAssertText( false, "false" );
         return;
     }
-    Unregister();
+    if ( not IsEmpty( mUID ) )
+        Unregister();
 }
 
 // Only its own entry: a conflicting SetUID may have given the UID to another object.
@@ -69,7 +75,7 @@ void MMacroSerializedObject::SetUID( const XText& inUID )
     XAssertText( not IsEmpty( inUID ), "!IsEmpty( inUID )" );
     if ( IsEmpty( inUID ) )
         return;
-    if ( not mUID.IsNull() )
+    if ( not IsEmpty( mUID ) )
         Unregister();
     MUIDEverSeen::AddUID( inUID );
     XAssertText( FindObjectByUID( inUID ) == nullptr, "!UIDInUse( inUID )" );
@@ -210,12 +216,16 @@ void MMacroSerializedObject::LoadUID( const XPlistDictionary& inDictionary )
         trouble = "Empty UID ignored for macro / macro group '%@'";
     else if ( const MMacroSerializedObject* const other = FindObjectByUID( uid ); other and other != this )
     {
+        if ( IsEmpty( mUID ) )
+            RecreateUID();
         // References to the old UID inside the inserted material follow when the insertion ends.
         MMacroInsertion::AddMapping( uid, mUID );
         trouble = "Duplicate UID ignored for macro / macro group '%@'";
     }
     else if ( not other )
         SetUID( uid );
+    if ( IsEmpty( mUID ) )
+        RecreateUID();
     if ( trouble and XErrorHandler::MaybeShouldLog( "UID" ) )
         XErrorHandler::PrivateMaybeLogFormat( "UID", trouble, GetName() );
     if ( MLoadObserver* const observer = MLoadObserver::Current() )

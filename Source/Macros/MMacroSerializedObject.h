@@ -103,6 +103,12 @@ public:
         const MMacroSerializedObject* inA, const MMacroSerializedObject* inB, void* inContext = nullptr );
 
 protected:
+    /// Of an object that is read right away: it has no UID until LoadBaseFromDictionary gives it one, rather than
+    /// one that is drawn, registered and thrown away.
+    struct WithoutUID
+    {};
+    explicit MMacroSerializedObject( WithoutUID );
+
     /// Reads the base's keys; the subclass has set the name before, for the log lines.
     void LoadBaseFromDictionary( const XPlistDictionary* inDictionary );
     void SaveBaseToDictionary( XMutableDictionary& ioDictionary ) const;
