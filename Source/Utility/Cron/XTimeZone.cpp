@@ -83,7 +83,9 @@ std::optional<XTimeZone> XTimeZone::FromName( TextView inName )
 {
     const icu::UnicodeString name( inName.data(), std::int32_t( inName.size() ) );
     std::unique_ptr<icu::TimeZone> zone( icu::TimeZone::createTimeZone( name ) );
-    if ( *zone == icu::TimeZone::getUnknown() )
+    // What stands for a name that nobody knows has a name too, by which it can be asked for.
+    icu::UnicodeString found, unknown;
+    if ( zone->getID( found ) == icu::TimeZone::getUnknown().getID( unknown ) )
         return {};
     return XTimeZone( Own( zone.release() ) );
 }
@@ -108,7 +110,9 @@ XCivilTime XTimeZone::CivilTime( XAbsoluteTime inTime ) const
     const double time = std::isnan( inTime ) ? 0 : std::clamp( inTime, -kFarthest, kFarthest );
     const double local = time + OffsetAt( time );
     const auto day = std::int64_t( std::floor( local / kDay ) );
-    const double second = local - double( day ) * kDay;
+    // Next to midnight the quotient can be rounded up to the day that is about to begin, and the difference up to a
+    // whole day.
+    const double second = std::clamp( local - double( day ) * kDay, 0.0, std::nextafter( kDay, 0.0 ) );
 
     // Years of 400 count from the first of March, so that the leap day is a year's last.
     constexpr std::int64_t kDaysIn400Years = 146097;
@@ -134,12 +138,14 @@ std::optional<XAbsoluteTime> XTimeZone::AbsoluteTime( const XCivilTime& inTime )
 {
     const double local = double( kvr_dayNumber( inTime.mYear, inTime.mMonth, inTime.mDay ) ) * kDay +
         inTime.mHour * 3600.0 + inTime.mMinute * 60.0 + inTime.mSecond;
-    // Clocks jump by at most a day; of the offsets on both sides, those count that give this clock time back.
-    const double before = local - OffsetAt( local - kDay ), after = local - OffsetAt( local + kDay );
+    // Clocks jump by at most a day; of the offsets on both sides, those count that hold at the time that they give.
+    // Offsets are compared, as they are exact: a time with a fraction can be rounded on the way to GMT and back.
+    const double before = OffsetAt( local - kDay ), after = OffsetAt( local + kDay );
     std::optional<XAbsoluteTime> first;
-    for ( const double time : { before, after } )
+    for ( const double offset : { before, after } )
     {
-        if ( time + OffsetAt( time ) == local and ( not first or time < *first ) )
+        const double time = local - offset;
+        if ( OffsetAt( time ) == offset and ( not first or time < *first ) )
             first = time;
     }
     if ( first or before != after )

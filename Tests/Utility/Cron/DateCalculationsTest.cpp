@@ -80,6 +80,28 @@ TEST( DateCalculations, TheLocalCalendarIsThatOfTheMoment )
     EXPECT_EQ( GetComponents( newYear ).mMinute, 30 );
 }
 
+TEST( XTimeZone, TheMomentsNextToMidnightAreOfSomeDay )
+{
+    for ( const double midnight : { 0.0, kDay, 8000 * kDay, -8000 * kDay } )
+    {
+        for ( const double time : { midnight, std::nextafter( midnight, -1e18 ), std::nextafter( midnight, 1e18 ) } )
+        {
+            const XCivilTime civil = XTimeZone::GMT().CivilTime( time );
+            EXPECT_LT( civil.mHour, 24 ) << time - midnight;
+            EXPECT_GE( civil.mSecond, 0 ) << time - midnight;
+            EXPECT_LT( civil.mSecond, 60 ) << time - midnight;
+        }
+    }
+}
+
+TEST( XTimeZone, OnlyNamesOfZonesGiveOne )
+{
+    for ( const TextView name : { u"Asia/Kolkata", u"UTC", u"GMT-0:30" } )
+        EXPECT_TRUE( XTimeZone::FromName( name ) ) << UTF8FromText( name );
+    for ( const TextView name : { u"", u"Nowhere/Town", u"Etc/Unknown", u"GMT+99" } )
+        EXPECT_FALSE( XTimeZone::FromName( name ) ) << UTF8FromText( name );
+}
+
 // Against the calendar of another library, over the years that it counts as we do.
 TEST( DateCalculations, DatesAgreeWithAnotherCalendar )
 {
