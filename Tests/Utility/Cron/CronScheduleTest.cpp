@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <unicode/gregocal.h>
 
 namespace
 {
@@ -101,36 +102,152 @@ TEST( CronSchedule, SkipsWhatTheClocksSkipAndFiresOnceWhatTheyRepeat )
         ( Times{ "2026-04-05 01:45:00 +11", "2026-04-06 01:45:00 +10.5" } ) );
 }
 
-// Minute by minute through the year, asking the zone alone what the clocks show.
+namespace
+{
+// What a calendar of another library says of a moment: all that the slow models below know of time.
+class OtherCalendar
+{
+public:
+    explicit OtherCalendar( TextView inZone )
+        : mCalendar(
+              icu::TimeZone::createTimeZone( icu::UnicodeString( inZone.data(), int( inZone.size() ) ) ), mStatus )
+    {}
+
+    void Set( XAbsoluteTime inTime ) { mCalendar.setTime( ( inTime + 978307200.0 ) * 1000, mStatus ); }
+    int Get( UCalendarDateFields inField ) { return mCalendar.get( inField, mStatus ); }
+
+    bool MatchesDate( const CronParser::Entry& inEntry )
+    {
+        const int day = Get( UCAL_DATE );
+        const int counted = inEntry.mFromEndOfMonth ? mCalendar.getActualMaximum( UCAL_DATE, mStatus ) + 1 - day : day;
+        const bool byDay = inEntry.mDays.test( std::size_t( counted - 1 ) );
+        const bool byDOW = inEntry.mDOWs.test( std::size_t( Get( UCAL_DAY_OF_WEEK ) - UCAL_SUNDAY ) );
+        return inEntry.mYears.test( std::size_t( Get( UCAL_YEAR ) - 2000 ) ) and
+            inEntry.mMonths.test( std::size_t( Get( UCAL_MONTH ) ) ) and
+            ( inEntry.mDayOrDOW ? byDay or byDOW : byDay and byDOW );
+    }
+
+    // Grows as the clocks go on; only clocks that are put back show it again.
+    std::int64_t ShownMinute()
+    {
+        const std::int64_t day = ( Get( UCAL_YEAR ) * INT64_C( 12 ) + Get( UCAL_MONTH ) ) * 31 + Get( UCAL_DATE );
+        return ( day * 24 + Get( UCAL_HOUR_OF_DAY ) ) * 60 + Get( UCAL_MINUTE );
+    }
+
+private:
+    UErrorCode mStatus = U_ZERO_ERROR;
+    icu::GregorianCalendar mCalendar;
+};
+
+class RandomNumbers
+{
+public:
+    explicit RandomNumbers( std::uint64_t inSeed ) : mRandom( inSeed ) {}
+    int operator()( int inLow, int inHigh )
+    {
+        return inLow + int( mRandom.Next() % std::uint64_t( inHigh - inLow + 1 ) );
+    }
+    template<std::size_t kCount>
+    const char* OneOf( const char* const ( &inChoices )[kCount] )
+    {
+        return inChoices[( *this )( 0, kCount - 1 )];
+    }
+
+private:
+    XSeededRandom mRandom;
+};
+
+// Days, months, weekdays and years of all forms.
+std::string RandomDates( RandomNumbers& ioNumber )
+{
+    std::string days = ioNumber.OneOf( { "*", "*/3", "", "", "" } ), weekdays = ioNumber.OneOf( { "*", "*", "", "" } );
+    if ( days.empty() )
+        days = fmt::format( "{}{},{}", ioNumber.OneOf( { "-", "" } ), ioNumber( 1, 31 ), ioNumber( 1, 31 ) );
+    if ( weekdays.empty() )
+        weekdays = fmt::format( "{}{}", ioNumber.OneOf( { "+", "" } ), ioNumber( 0, 7 ) );
+    return days + " " + ioNumber.OneOf( { "*", "*", "2-4,10", "3-11/2" } ) + " " + weekdays;
+}
+} // namespace
+
+// Minute by minute over the days on which clocks are put forward and back: by an hour and by half of one, at night and
+// at midnight itself, and by a whole day.
 TEST( CronSchedule, AgreesWithAWalkThroughEveryMinute )
 {
-    const auto zone = XTimeZone::FromName( u"America/New_York" );
-    ASSERT_TRUE( zone );
-    XSeededRandom random( 20261121 );
-    const auto number = [&random]( int inLow, int inHigh ) {
-        return inLow + int( random.Next() % std::uint64_t( inHigh - inLow + 1 ) );
+    constexpr struct
+    {
+        TextView mZone;
+        int mYear, mMonth, mDay; // some days before the clocks jump
+    } kJumps[] = {
+        { u"America/New_York", 2026, 3, 5 },
+        { u"America/New_York", 2026, 10, 28 },
+        { u"Australia/Lord_Howe", 2026, 4, 2 },
+        { u"Australia/Lord_Howe", 2026, 10, 1 },
+        { u"America/Sao_Paulo", 2018, 2, 14 },
+        { u"America/Sao_Paulo", 2018, 11, 1 },
+        { u"America/St_Johns", 2009, 10, 29 },
+        { u"Pacific/Apia", 2011, 12, 27 },
+        { u"Asia/Kathmandu", 2028, 2, 26 },
     };
+    constexpr double kSpan = 6 * 86400.0;
+    RandomNumbers number( 20261121 );
+    for ( int round = 0; round < 90; ++round )
+    {
+        const auto& jump = kJumps[std::size_t( round ) % std::size( kJumps )];
+        const auto zone = XTimeZone::FromName( jump.mZone );
+        ASSERT_TRUE( zone );
+        const Text text =
+            TextFromUTF8( fmt::format( "{} {} {}", number( 0, 2 ) ? fmt::format( "{}", number( 0, 59 ) ) : "*/10",
+                number( 0, 2 ) ? fmt::format( "{},23", number( 0, 4 ) ) : "*", RandomDates( number ) ) );
+        const CronParser::Entry entry = Parsed( text );
+        const XAbsoluteTime start = At( *zone, jump.mYear, jump.mMonth, jump.mDay, number( 0, 23 ), 17 ) + 20;
+        OtherCalendar calendar( jump.mZone );
+        std::vector<std::string> walked, found;
+        std::int64_t latest = 0;
+        for ( XAbsoluteTime time = start + 40; time < start + kSpan; time += 60 )
+        {
+            calendar.Set( time );
+            const std::int64_t minute = calendar.ShownMinute();
+            if ( minute <= latest )
+                continue; // shown again
+            latest = minute;
+            if ( entry.mMinutes.test( std::size_t( calendar.Get( UCAL_MINUTE ) ) ) and
+                entry.mHours.test( std::size_t( calendar.Get( UCAL_HOUR_OF_DAY ) ) ) and calendar.MatchesDate( entry ) )
+                walked.push_back( Shown( time, *zone ) );
+        }
+        for ( auto time = CronSchedule::NextTime( entry, start, *zone ); time and *time < start + kSpan;
+              time = CronSchedule::NextTime( entry, *time, *zone ) )
+            found.push_back( Shown( *time, *zone ) );
+        EXPECT_EQ( found, walked ) << UTF8FromText( text ) << " in " << UTF8FromText( jump.mZone );
+    }
+}
+
+// Day by day through the years that an expression can name.
+TEST( CronSchedule, AgreesWithAWalkThroughEveryDay )
+{
+    const XTimeZone gmt = XTimeZone::GMT();
+    RandomNumbers number( 20261122 );
+    OtherCalendar calendar( u"GMT" );
     for ( int round = 0; round < 40; ++round )
     {
-        const Text text =
-            TextFromUTF8( fmt::format( "{} {} {}{} {} {}{}", number( 0, 59 ), number( 0, 4 ), number( 0, 1 ) ? "-" : "",
-                number( 1, 31 ), number( 0, 1 ) ? "*" : "3,11", number( 0, 1 ) ? "+" : "", number( 0, 7 ) ) );
+        const int year = number( 2000, 2098 );
+        const Text text = TextFromUTF8( fmt::format( "0 12 {} {},{}-2099/7", RandomDates( number ), year, year + 1 ) );
         const CronParser::Entry entry = Parsed( text );
-        const XAbsoluteTime start = At( *zone, 2026, number( 2, 11 ), number( 1, 28 ), number( 0, 23 ), 17 ) + 20;
-        std::optional<XAbsoluteTime> walked;
-        for ( XAbsoluteTime time = start + 40; time < start + 20 * 86400.0 and not walked; time += 60 )
+        const XAbsoluteTime end = At( gmt, 2099, 12, 31, 23 );
+        XAbsoluteTime start = At( gmt, number( 1998, 2099 ), number( 1, 12 ), number( 1, 28 ), 12 );
+        for ( int step = 0; step < 5; ++step )
         {
-            const XCivilTime civil = zone->CivilTime( time );
-            const bool firstOfTwo = zone->AbsoluteTime( civil ) == time;
-            if ( firstOfTwo and entry.mMinutes[std::size_t( civil.mMinute )] and
-                entry.mHours[std::size_t( civil.mHour )] and entry.mMonths[std::size_t( civil.mMonth - 1 )] and
-                CronSchedule::MatchesDate( entry, civil.mYear, civil.mMonth, civil.mDay ) )
-                walked = time;
+            std::optional<XAbsoluteTime> walked;
+            for ( XAbsoluteTime time = start + 86400; time < end and not walked; time += 86400 )
+            {
+                calendar.Set( time );
+                if ( calendar.Get( UCAL_YEAR ) >= 2000 and calendar.MatchesDate( entry ) )
+                    walked = time;
+            }
+            ASSERT_EQ( Shown( CronSchedule::NextTime( entry, start, gmt ), gmt ), Shown( walked, gmt ) )
+                << UTF8FromText( text ) << " after " << Shown( start, gmt );
+            if ( not walked )
+                break;
+            start = *walked;
         }
-        const auto found = CronSchedule::NextTime( entry, start, *zone );
-        if ( walked )
-            EXPECT_EQ( Shown( found, *zone ), Shown( walked, *zone ) ) << UTF8FromText( text );
-        else
-            EXPECT_TRUE( not found or *found >= start + 20 * 86400.0 ) << UTF8FromText( text );
     }
 }
