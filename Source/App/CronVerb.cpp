@@ -16,8 +16,10 @@ std::string TimeText( XAbsoluteTime inTime, const XTimeZone& inZone, const char*
 {
     const XCivilTime civil = inZone.CivilTime( inTime );
     const auto offset = int( std::lround( inZone.OffsetAt( inTime ) / 60 ) );
-    return fmt::format( "{:04}-{:02}-{:02}{}{:02}:{:02}{}{:+03}:{:02}", civil.mYear, civil.mMonth, civil.mDay,
-        inBetween, civil.mHour, civil.mMinute, *inBetween == ' ' ? " " : "", offset / 60, std::abs( offset % 60 ) );
+    const int minutes = std::abs( offset );
+    return fmt::format( "{:04}-{:02}-{:02}{}{:02}:{:02}{}{}{:02}:{:02}", civil.mYear, civil.mMonth, civil.mDay,
+        inBetween, civil.mHour, civil.mMinute, *inBetween == ' ' ? " " : "", offset < 0 ? '-' : '+', minutes / 60,
+        minutes % 60 );
 }
 
 template<std::size_t kCount>
@@ -38,8 +40,7 @@ public:
     explicit CronVerb( CLI::App& ioCommand ) : Verb( ioCommand )
     {
         ioCommand
-            .add_option(
-                "EXPRESSION", mExpression, "Five or six fields in one pair of quotes, or a name such as @daily" )
+            .add_option( "EXPRESSION", mWords, "Five or six fields in one pair of quotes, or a name such as @daily" )
             ->required()
             ->type_name( "" );
         ioCommand
@@ -57,23 +58,33 @@ public:
             "both given a date has to match one of them; with “+” before the weekdays it has to match both.\n"
             "A time that doesn't exist, as clocks are put forward over it, is skipped; one that occurs twice, as they\n"
             "are put back, fires once, the first time.\n"
-            "Status 0: a good expression; 1: a bad one.\n"
+            "Status 0: a good expression; 1: a bad one; 2: wrong usage.\n"
             "Example: korvalen cron \"5 4 1 * MON\" --next 3 --zone Europe/Berlin" );
     }
 
     ExitStatus Run( VerbContext& ioContext ) override
     {
         Output& output = ioContext.mOutput;
+        if ( mWords.size() != 1 )
+        {
+            // The words may be file names by now, so they aren't put together: the sentence would tell another time.
+            output.Complain(
+                fmt::format( "the expression came as {} words, “{}” first; put it in one pair of quotes, so "
+                             "that the shell leaves it whole and puts no file names in place of “*”, as in: "
+                             "korvalen cron \"5 4 1 * MON\"",
+                    mWords.size(), mWords.front() ) );
+            return ExitStatus::kWrongUsage;
+        }
         const std::optional<XTimeZone> zone =
-            mZone.empty() ? XTimeZone::Local() : XTimeZone::FromName( TextFromUTF8( mZone ) );
+            mZone ? XTimeZone::FromName( TextFromUTF8( *mZone ) ) : XTimeZone::Local();
         if ( not zone )
         {
             output.Complain( fmt::format(
-                "there is no time zone “{}”; zones have names such as Europe/Berlin or America/New_York", mZone ) );
+                "there is no time zone “{}”; zones have names such as Europe/Berlin or America/New_York", *mZone ) );
             return ExitStatus::kWrongUsage;
         }
         CronParser::Entry entry;
-        if ( const std::optional<Text> failure = CronParser::ParseString( TextFromUTF8( mExpression ), entry ) )
+        if ( const std::optional<Text> failure = CronParser::ParseString( TextFromUTF8( mWords.front() ), entry ) )
         {
             output.Complain( UTF8FromText( *failure ) );
             return ExitStatus::kFailed;
@@ -134,7 +145,8 @@ private:
         return facts.Seal();
     }
 
-    std::string mExpression, mZone;
+    std::vector<std::string> mWords; // one, unless the quotes are missing
+    std::optional<std::string> mZone;
     int mCount = 0;
     bool mJSON = false;
 };
@@ -142,6 +154,7 @@ private:
 
 void AddCronVerb( CLI::App& ioProgram, VerbList& ioVerbs )
 {
-    CLI::App& command = *ioProgram.add_subcommand( "cron", "Tell a cron expression in words, and when it fires next" );
-    ioVerbs.push_back( std::make_unique<CronVerb>( command ) );
+    CLI::App* const command =
+        ioProgram.add_subcommand( "cron", "Tell a cron expression in words, and when it fires next" )->group( "Verbs" );
+    ioVerbs.push_back( std::make_unique<CronVerb>( *command ) );
 }
