@@ -4,6 +4,7 @@
 #include "Actions/HBaseAction.h"
 #include "App/MacrosFile.h"
 #include "Macros/MMacro.h"
+#include "Utility/Text/KeystrokeText.h"
 
 #include <fmt/format.h>
 
@@ -67,6 +68,11 @@ void PrintMacro( const MMacro& inMacro, Output& ioOutput )
     PrintActions( *inMacro.GetActionList(), 2, ioOutput );
 }
 
+Text HotKeyText( const MMacroGroup& inGroup )
+{
+    return kvr_keystrokeText( std::int32_t( inGroup.GetKeyCode() ), std::int32_t( inGroup.GetModifiers() ) );
+}
+
 void PrintGroup( const MMacroGroup& inGroup, Output& ioOutput )
 {
     ioOutput.Line( "  " + UTF8FromText( inGroup.GetActivateDisplayText() ) );
@@ -74,8 +80,7 @@ void PrintGroup( const MMacroGroup& inGroup, Output& ioOutput )
     if ( inGroup.GetWindowCondition().GetType() != FrontWindowConditionType::kAlways )
         ioOutput.Line( "  " + UTF8FromText( inGroup.GetWindowCondition().GetDescription() ) );
     if ( inGroup.GetKeyCode() != MMacroGroup::kNoKeyCode )
-        ioOutput.Line(
-            fmt::format( "  Hot key: key code {}, modifiers {}", inGroup.GetKeyCode(), inGroup.GetModifiers() ) );
+        ioOutput.Line( "  Hot key: " + UTF8FromText( HotKeyText( inGroup ) ) );
     if ( not inGroup.GetDisabledMacs().empty() )
         ioOutput.Line( "  Disabled on " + Counted( inGroup.GetDisabledMacs().size(), "computer" ) );
     ioOutput.Line( "  " + Counted( inGroup.GetMacroCount(), "macro" ) );
@@ -152,6 +157,8 @@ __SafeCFPropertyList OutlineAsValue( const MMacroSerializedObject& inObject )
     {
         facts.SetText( CFSTR( "activation" ), group->GetActivateDisplayText() );
         facts.SetText( CFSTR( "target" ), group->GetTarget().GetDescription() );
+        if ( group->GetKeyCode() != MMacroGroup::kNoKeyCode )
+            facts.SetText( CFSTR( "hotKey" ), HotKeyText( *group ) );
         XMutableArray macros;
         for ( const MMacro* const member : LoadedMacros::GetMacros( *group ) )
             macros.Append( OutlineAsValue( *member ) );
