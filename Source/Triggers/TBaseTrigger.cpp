@@ -23,16 +23,14 @@ std::optional<TriggerType> TriggerTypeFromName( const XText& inName, bool& outOl
     outOlder = false;
     if ( inName.IsNull() or not inName.GetString()->IsASCII() )
         return {};
-    std::string_view name = inName.GetString()->ASCII();
+    const std::string_view name = inName.GetString()->ASCII();
     if ( const auto at = std::ranges::find( kTriggerTypeNames, name ); at != std::end( kTriggerTypeNames ) )
         return TriggerType( at - std::begin( kTriggerTypeNames ) );
-    outOlder = true;
-    if ( name == "FloatingPalette" )
-        return TriggerType::kMacroPalette;
-    if ( name == "MenuBar" )
-        return TriggerType::kStatusMenu;
-    outOlder = false;
-    return {};
+    const auto at = std::ranges::find( kTriggerTypeNamesAlternate, name );
+    outOlder = at != kTriggerTypeNamesAlternate.end();
+    if ( not outOlder )
+        return {};
+    return TriggerType( at - kTriggerTypeNamesAlternate.begin() );
 }
 
 void TBaseTrigger::SaveSubclassToDictionary( XMutableDictionary& ioDictionary ) const

@@ -3,6 +3,7 @@
 
 #include "CFMethods/PropertyList.h"
 
+#include <array>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -64,6 +65,14 @@ inline constexpr std::string_view kTriggerTypeNames[] = {
 };
 static_assert( std::size( kTriggerTypeNames ) == std::size_t( TriggerType::kDisplay ) + 1 );
 
-/// The kind of a stored name, older names included: FloatingPalette stands for MacroPalette and MenuBar for
-/// StatusMenu. Absent for an unknown name. outOlder says that an older name was used.
+/// The names of earlier versions, of which two are others. Read where today's don't match, never written.
+inline constexpr auto kTriggerTypeNamesAlternate = [] {
+    auto names = std::to_array( kTriggerTypeNames );
+    names[std::size_t( TriggerType::kMacroPalette )] = "FloatingPalette";
+    names[std::size_t( TriggerType::kStatusMenu )] = "MenuBar";
+    return names;
+}();
+
+/// The kind of a stored name, older names included. Absent for an unknown name. outOlder says that an older name was
+/// used.
 [[nodiscard]] std::optional<TriggerType> TriggerTypeFromName( const XText& inName, bool& outOlder );
