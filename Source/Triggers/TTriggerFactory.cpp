@@ -56,35 +56,39 @@ const AFactory gFactory;
 struct TriggerFactoryRow
 {
     TriggerType mType;
+    TextView mIcon; // a name of the icon registry
     const TTriggerFactory* mFactory;
 };
 
+// Of the kinds that no built-in icon pictures.
+constexpr TextView kPlainIcon = u"Trigger";
+
 constexpr TriggerFactoryRow kFactories[] = {
-    { TriggerType::kHotKey, &gFactory<THotKeyFactory> },
-    { TriggerType::kApplication, &gFactory<TApplicationFactory> },
-    { TriggerType::kTime, &gFactory<TTimeFactory> },
-    { TriggerType::kWake, &gFactory<TWakeFactory> },
-    { TriggerType::kSleep, &gFactory<TSleepFactory> },
-    { TriggerType::kMacroPalette, &gFactory<TMacroPaletteFactory> },
-    { TriggerType::kStatusMenu, &gFactory<TStatusMenuFactory> },
-    { TriggerType::kPublicWeb, &gFactory<TPublicWebFactory> },
-    { TriggerType::kTypedString, &gFactory<TTypedStringFactory> },
-    { TriggerType::kMIDI, &gFactory<TMIDIFactory> },
-    { TriggerType::kVolume, &gFactory<TVolumeFactory> },
-    { TriggerType::kUSBDevice, &gFactory<TUSBFactory> },
-    { TriggerType::kWirelessNetwork, &gFactory<TWirelessNetworkFactory> },
-    { TriggerType::kHID, &gFactory<THIDFactory> },
-    { TriggerType::kClipboard, &gFactory<TClipboardFactory> },
-    { TriggerType::kFocussedWindow, &gFactory<TFocusedWindowFactory> },
-    { TriggerType::kFolder, &gFactory<TFolderFactory> },
-    { TriggerType::kClipboardFilter, &gFactory<TClipboardFilterFactory> },
-    { TriggerType::kGesture, &gFactory<TGestureFactory> },
-    { TriggerType::kRemote, &gFactory<TRemoteFactory> },
-    { TriggerType::kAudioOutputDevice, &gFactory<TAudioOutputDeviceFactory> },
-    { TriggerType::kIdle, &gFactory<TIdleFactory> },
-    { TriggerType::kCron, &gFactory<TCronFactory> },
-    { TriggerType::kDraggedFile, &gFactory<TDraggedFileFactory> },
-    { TriggerType::kDisplay, &gFactory<TDisplayFactory> },
+    { TriggerType::kHotKey, u"Keyboard", &gFactory<THotKeyFactory> },
+    { TriggerType::kApplication, u"Application", &gFactory<TApplicationFactory> },
+    { TriggerType::kTime, kPlainIcon, &gFactory<TTimeFactory> },
+    { TriggerType::kWake, kPlainIcon, &gFactory<TWakeFactory> },
+    { TriggerType::kSleep, kPlainIcon, &gFactory<TSleepFactory> },
+    { TriggerType::kMacroPalette, kPlainIcon, &gFactory<TMacroPaletteFactory> },
+    { TriggerType::kStatusMenu, kPlainIcon, &gFactory<TStatusMenuFactory> },
+    { TriggerType::kPublicWeb, u"WebPage", &gFactory<TPublicWebFactory> },
+    { TriggerType::kTypedString, u"Keyboard", &gFactory<TTypedStringFactory> },
+    { TriggerType::kMIDI, kPlainIcon, &gFactory<TMIDIFactory> },
+    { TriggerType::kVolume, kPlainIcon, &gFactory<TVolumeFactory> },
+    { TriggerType::kUSBDevice, kPlainIcon, &gFactory<TUSBFactory> },
+    { TriggerType::kWirelessNetwork, kPlainIcon, &gFactory<TWirelessNetworkFactory> },
+    { TriggerType::kHID, kPlainIcon, &gFactory<THIDFactory> },
+    { TriggerType::kClipboard, u"Clipboard", &gFactory<TClipboardFactory> },
+    { TriggerType::kFocussedWindow, u"Window", &gFactory<TFocusedWindowFactory> },
+    { TriggerType::kFolder, u"Folder", &gFactory<TFolderFactory> },
+    { TriggerType::kClipboardFilter, u"Clipboard", &gFactory<TClipboardFilterFactory> },
+    { TriggerType::kGesture, kPlainIcon, &gFactory<TGestureFactory> },
+    { TriggerType::kRemote, u"WebPage", &gFactory<TRemoteFactory> },
+    { TriggerType::kAudioOutputDevice, kPlainIcon, &gFactory<TAudioOutputDeviceFactory> },
+    { TriggerType::kIdle, kPlainIcon, &gFactory<TIdleFactory> },
+    { TriggerType::kCron, kPlainIcon, &gFactory<TCronFactory> },
+    { TriggerType::kDraggedFile, u"File", &gFactory<TDraggedFileFactory> },
+    { TriggerType::kDisplay, u"Screen", &gFactory<TDisplayFactory> },
 };
 
 consteval bool InEnumeratorOrder()
@@ -115,7 +119,7 @@ void TTriggerFactory::InstallManagers( ManagerMaker inMaker )
 
 XIcon TTriggerFactory::GetTriggerIcon() const
 {
-    return XIcon( KVIconRegistry::kTrigger );
+    return XIcon( kFactories[std::size_t( GetTriggerType() )].mIcon, KVIconRegistry::kTrigger );
 }
 
 std::unique_ptr<TBaseTriggerTypeManager> TTriggerFactory::CreateTriggerManager() const

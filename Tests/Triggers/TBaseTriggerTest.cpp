@@ -2,6 +2,7 @@
 #include "Tests/Support/ScratchFolder.h"
 #include "Tests/Triggers/TriggerTestSupport.h"
 
+#include "Defines/KVIconRegistry.h"
 #include "Defines/KVPreferences.h"
 #include "Triggers/KeyTriggers.h"
 #include "Triggers/TGestureTrigger.h"
@@ -33,6 +34,18 @@ TEST( TriggerFactory, EachKindHasOneAndOtherNumbersHaveThatOfHotKeys )
     for ( const int number : { 25, 26, -1, 1000 } )
         EXPECT_EQ( &TTriggerFactory::GetTriggerFactory( TriggerType( number ) ),
             &TTriggerFactory::GetTriggerFactory( TriggerType::kHotKey ) );
+}
+
+TEST( TriggerFactory, EveryKindHasAnIconOfTheRegistry )
+{
+    for ( std::size_t i = 0; i < std::size( kTriggerTypeNames ); ++i )
+    {
+        const XIcon icon = NewTrigger( TriggerType( i ) )->GetXIcon();
+        ASSERT_TRUE( icon.Defined() ) << kTriggerTypeNames[i];
+        EXPECT_TRUE( KVIconRegistryIsKnown( icon.GetInternalName().GetText() ) ) << kTriggerTypeNames[i];
+    }
+    EXPECT_EQ( NewTrigger( TriggerType::kFolder )->GetXIcon().GetInternalName(), u"Folder" );
+    EXPECT_EQ( NewTrigger( TriggerType::kIdle )->GetXIcon().GetInternalName(), u"Trigger" );
 }
 
 TEST( TriggerFactory, ManagersComeFromWhoeverInstalledThem )
