@@ -1,5 +1,6 @@
 #include "Utility/Text/KeystrokeText.h"
 
+#include <gtest/gtest.h>
 #include <set>
 
 TEST( KeystrokeText, GlyphsStandInTheOrderThatSearchesLookFor )
