@@ -1,5 +1,7 @@
 #include "Utility/Cron/CronSchedule.h"
 
+#include <bit>
+
 namespace
 {
 // Walks the dates that match, from a date on.
@@ -10,8 +12,13 @@ public:
         : mEntry( inEntry ),
           mYear( inYear ),
           mMonth( inMonth ),
-          mDay( inDay )
+          mDay( inDay ),
+          mDays( std::uint32_t( inEntry.mDays.to_ulong() ) )
     {
+        for ( int day = 0; day < kMostDays; ++day )
+            mDaysFromEnd |= ( mDays >> day & 1 ) << ( kMostDays - 1 - day );
+        for ( int week = 0; week < 6; ++week )
+            mWeeks |= std::uint64_t( inEntry.mDOWs.to_ulong() & 0x7F ) << 7 * week;
         if ( mYear < CronParser::kFirstYear )
         {
             mYear = CronParser::kFirstYear;
@@ -42,18 +49,29 @@ public:
     [[nodiscard]] XCivilTime Midnight() const { return { .mYear = mYear, .mMonth = mMonth, .mDay = mDay }; }
 
 private:
+    // All days of a month are looked at in one go: an expression that never comes true asks for a century of them.
     bool FindInMonth()
     {
-        for ( const int last = kvr_daysInMonth( mYear, mMonth ); mDay <= last; ++mDay )
-        {
-            if ( CronSchedule::MatchesDate( mEntry, mYear, mMonth, mDay ) )
-                return true;
-        }
-        return false;
+        const int last = kvr_daysInMonth( mYear, mMonth );
+        const std::int64_t first = kvr_dayNumber( mYear, mMonth, 1 ); // 0 was a Monday
+        const std::uint32_t byDay = mEntry.mFromEndOfMonth ? mDaysFromEnd >> ( kMostDays - last ) : mDays;
+        const auto byDOW = std::uint32_t( mWeeks >> ( first % 7 + 8 ) % 7 );
+        const std::uint32_t matching = mEntry.mDayOrDOW ? byDay | byDOW : byDay & byDOW;
+        const std::uint32_t left = matching & DaysBelow( last + 1 ) & ~DaysBelow( mDay );
+        if ( left == 0 )
+            return false;
+        mDay = std::countr_zero( left ) + 1;
+        return true;
     }
+
+    static constexpr int kMostDays = 31;
+    static std::uint32_t DaysBelow( int inDay ) { return ( UINT32_C( 1 ) << ( inDay - 1 ) ) - 1; }
 
     const CronParser::Entry& mEntry;
     int mYear, mMonth, mDay;
+    // Sets of days, the lowest bit being the first of a month: that of the longest, where they count from the end.
+    std::uint32_t mDays, mDaysFromEnd = 0;
+    std::uint64_t mWeeks = 0; // six weeks of the weekdays, the lowest bit being a Sunday
 };
 
 // The first minute of the day that matches and lies behind the given time.
@@ -79,15 +97,6 @@ std::optional<XAbsoluteTime> NextTimeOfDay( const CronParser::Entry& inEntry, co
     return {};
 }
 } // namespace
-
-bool CronSchedule::MatchesDate( const CronParser::Entry& inEntry, int inYear, int inMonth, int inDay )
-{
-    const int day = inEntry.mFromEndOfMonth ? kvr_daysInMonth( inYear, inMonth ) - inDay : inDay - 1;
-    const bool byDay = inEntry.mDays[std::size_t( day )];
-    const std::int64_t number = kvr_dayNumber( inYear, inMonth, inDay ); // 0 was a Monday
-    const bool byDOW = inEntry.mDOWs[std::size_t( ( number % 7 + 8 ) % 7 )];
-    return inEntry.mDayOrDOW ? byDay or byDOW : byDay and byDOW;
-}
 
 std::optional<XAbsoluteTime> CronSchedule::NextTime(
     const CronParser::Entry& inEntry, XAbsoluteTime inAfter, const XTimeZone& inZone )

@@ -6,9 +6,6 @@
 
 namespace CronSchedule
 {
-/// Does the date match? By its day, its weekday, or both, as the entry says.
-[[nodiscard]] bool MatchesDate( const CronParser::Entry& inEntry, int inYear, int inMonth, int inDay );
-
 /// The first time after the given one, a whole minute of the zone's clocks; absent when there is none until the end
 /// of 2099. A time that the clocks skip when they are put forward is skipped; one that they show twice when they are put
 /// back counts once, the first time.
