@@ -34,8 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput( const std::uint8_t* inBytes, std::size_t 
     const XCivilTime civil = gZone.CivilTime( *next );
     const bool allowed = *next > kAfter and entry.mMinutes[std::size_t( civil.mMinute )] and
         entry.mHours[std::size_t( civil.mHour )] and entry.mMonths[std::size_t( civil.mMonth - 1 )] and
-        entry.mYears[std::size_t( civil.mYear - CronParser::kFirstYear )] and
-        CronSchedule::MatchesDate( entry, civil.mYear, civil.mMonth, civil.mDay );
+        entry.mYears[std::size_t( civil.mYear - CronParser::kFirstYear )];
     if ( not allowed )
         std::abort();
     return 0;
