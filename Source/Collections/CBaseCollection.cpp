@@ -2,26 +2,26 @@
 
 #include "Actions/DescriptionText.h"
 #include "Actions/HFieldVisitors.h"
+#include "Actions/WikiHelpData.h"
 #include "Collections/FileCollections.h"
 #include "Collections/TextCollections.h"
 #include "Collections/ValueCollections.h"
 #include "Defines/KVIconRegistry.h"
 #include "Macros/MLoadObserver.h"
+#include "Macros/StoredNames.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
-#include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
 
 #include <algorithm>
 #include <optional>
 
-// To add a type of collection: an enumerator and its name, a row here in its place, a class with its fields,
-// and three texts ("cl…_Description", "cl…_LongDescription", and those of its GetDescription).
+// To add a type of collection: an enumerator and its key in CollectionType.h, a row here in its place, a class with its
+// fields, its texts ("cl…_Description", "cl…_LongDescription", and those of its GetDescription), and its lines in
+// Tests/Collections/CollectionCatalogue.txt.
 
 namespace
 {
-using Maker = std::unique_ptr<CBaseCollection> ( * )();
-
 template<class Collection>
 std::unique_ptr<CBaseCollection> Make()
 {
@@ -31,23 +31,24 @@ std::unique_ptr<CBaseCollection> Make()
 struct CollectionTypeRow
 {
     CollectionType mType;
-    Maker mMake;
+    TextView mIconName; // a built-in icon
+    std::unique_ptr<CBaseCollection> ( *mMake )();
 };
 
 constexpr CollectionTypeRow kCollectionTypes[] = {
-    { CollectionType::kRange, Make<CRangeCollection> },
-    { CollectionType::kApplications, Make<CApplicationsCollection> },
-    { CollectionType::kFiles, Make<CFilesCollection> },
-    { CollectionType::kFinderSelection, Make<CFinderSelectionCollection> },
-    { CollectionType::kVolumes, Make<CVolumesCollection> },
-    { CollectionType::kLinesIn, Make<CLinesInCollection> },
-    { CollectionType::kSubstringsIn, Make<CSubstringsInCollection> },
-    { CollectionType::kPastClipboards, Make<CPastClipboardsCollection> },
-    { CollectionType::kDictionaries, Make<CDictionariesCollection> },
-    { CollectionType::kDictionaryKeys, Make<CDictionaryKeysCollection> },
-    { CollectionType::kFoundImages, Make<CFoundImagesCollection> },
-    { CollectionType::kVariables, Make<CVariablesCollection> },
-    { CollectionType::kJSON, Make<CJSONCollection> },
+    { CollectionType::kRange, u"Variable", Make<CRangeCollection> },
+    { CollectionType::kApplications, u"Application", Make<CApplicationsCollection> },
+    { CollectionType::kFiles, u"Folder", Make<CFilesCollection> },
+    { CollectionType::kFinderSelection, u"Folder", Make<CFinderSelectionCollection> },
+    { CollectionType::kVolumes, u"Folder", Make<CVolumesCollection> },
+    { CollectionType::kLinesIn, u"PlainText", Make<CLinesInCollection> },
+    { CollectionType::kSubstringsIn, u"PlainText", Make<CSubstringsInCollection> },
+    { CollectionType::kPastClipboards, u"Clipboard", Make<CPastClipboardsCollection> },
+    { CollectionType::kDictionaries, u"Dictionary", Make<CDictionariesCollection> },
+    { CollectionType::kDictionaryKeys, u"Dictionary", Make<CDictionaryKeysCollection> },
+    { CollectionType::kFoundImages, u"Screen", Make<CFoundImagesCollection> },
+    { CollectionType::kVariables, u"Variable", Make<CVariablesCollection> },
+    { CollectionType::kJSON, u"PlainText", Make<CJSONCollection> },
 };
 static_assert( std::size( kCollectionTypes ) == std::size( kCollectionTypeNames ) );
 
@@ -75,13 +76,9 @@ constexpr OlderName kOlderNames[] = {
     { u"LinesInFile", CollectionType::kLinesIn },
 };
 
-std::optional<CollectionType> TypeNamed( const XText& inName )
+const CollectionTypeRow* RowOf( CollectionType inType )
 {
-    const auto found = std::find_if( std::begin( kCollectionTypeNames ), std::end( kCollectionTypeNames ),
-        [&]( TextView name ) { return inName.Equals( name ); } );
-    if ( found == std::end( kCollectionTypeNames ) )
-        return {};
-    return CollectionType( found - std::begin( kCollectionTypeNames ) );
+    return std::size_t( inType ) < std::size( kCollectionTypes ) ? &kCollectionTypes[std::size_t( inType )] : nullptr;
 }
 
 XText TextOf( const XPlistDictionary& inDictionary, const XKey& inKey )
@@ -105,23 +102,26 @@ std::optional<CollectionType> TypeWithOlderName( const XPlistDictionary& inDicti
 
 std::optional<CollectionType> ReadType( const XPlistDictionary& inDictionary )
 {
-    if ( const auto type = TypeNamed( TextOf( inDictionary, CFSTR( "CollectionType2" ) ) ) )
+    if ( const auto type =
+             IndexOfStoredName( TextOf( inDictionary, CFSTR( "CollectionType2" ) ), kCollectionTypeNames ) )
     {
         if ( MLoadObserver* observer = MLoadObserver::Current() )
             observer->DidReadOlderKey( inDictionary, CFSTR( "CollectionType2" ), CFSTR( "CollectionType" ) );
-        return type;
+        return CollectionType( *type );
     }
     const XText name = TextOf( inDictionary, CFSTR( "CollectionType" ) );
-    const auto type = TypeNamed( name );
-    return type ? type : TypeWithOlderName( inDictionary, name );
+    if ( const auto type = IndexOfStoredName( name, kCollectionTypeNames ) )
+        return CollectionType( *type );
+    return TypeWithOlderName( inDictionary, name );
 }
 } // namespace
 
+// Making
+
 std::unique_ptr<CBaseCollection> CBaseCollection::Create( CollectionType inType )
 {
-    const bool isType = std::size_t( inType ) < std::size( kCollectionTypes );
-    XAssert( isType );
-    return isType ? kCollectionTypes[std::size_t( inType )].mMake() : nullptr;
+    const CollectionTypeRow* row = RowOf( inType );
+    return row ? row->mMake() : nullptr;
 }
 
 std::unique_ptr<CBaseCollection> CBaseCollection::Create( CollectionType inType, const XPlistDictionary& inDictionary )
@@ -134,12 +134,11 @@ std::unique_ptr<CBaseCollection> CBaseCollection::Create( CollectionType inType,
 
 std::unique_ptr<CBaseCollection> CBaseCollection::CreateFromPropertyList( const __SafeCFPropertyList& inValue )
 {
-    const XPlistDictionary* dictionary = inValue.AsDictionary();
-    XThrowIfNotText( dictionary, "dictionary && dictionary->IsCorrectTypeID()" );
-    const std::optional<CollectionType> type = ReadType( *dictionary );
-    const bool good = type.has_value();
+    const XPlistDictionary* const dictionary = inValue.AsDictionary();
+    XThrowIfNot( dictionary && dictionary->IsCorrectTypeID() );
+    const std::optional<CollectionType> good = ReadType( *dictionary );
     XThrowIfNot( good );
-    return Create( *type, *dictionary );
+    return Create( *good, *dictionary );
 }
 
 CFContainer<XPlistDictionary> CBaseCollection::CopyToPropertyList() const
@@ -149,6 +148,16 @@ CFContainer<XPlistDictionary> CBaseCollection::CopyToPropertyList() const
     SaveSubclassToDictionary( dictionary );
     return dictionary.Seal();
 }
+
+int CBaseCollection::CompareWith( const CBaseCollection& inOther ) const
+{
+    const CollectionType type = GetCollectionType(), otherType = inOther.GetCollectionType();
+    if ( type != otherType )
+        return type < otherType ? -1 : 1;
+    return CompareWithSame( inOther );
+}
+
+// By the described fields
 
 void CBaseCollection::DescribeFields( HFieldVisitor& ) {}
 
@@ -164,19 +173,22 @@ void CBaseCollection::LoadSubclassFromDictionary( const XPlistDictionary& inDict
     DescribeFields( visitor );
 }
 
-int CBaseCollection::CompareWith( const CBaseCollection& inOther ) const
-{
-    if ( GetCollectionType() != inOther.GetCollectionType() )
-        return GetCollectionType() < inOther.GetCollectionType() ? -1 : 1;
-    return CompareWithSame( inOther );
-}
-
 int CBaseCollection::CompareWithSame( const CBaseCollection& inOther ) const
 {
     return HComparingVisitor::Compare( *this, inOther );
 }
 
-void CBaseCollection::UpdateToDefaultValues( bool ) {}
+void CBaseCollection::AddMatchStrings( StringSearchee& ioSearchee ) const
+{
+    ioSearchee.Add( GetCollectionEditorDescription() );
+    ioSearchee.Add( GetCollectionTypeDescription() );
+    ioSearchee.Add( GetDescription() );
+    // What a description leaves out or cuts off.
+    HCollectingVisitor visitor( ioSearchee );
+    const_cast<CBaseCollection*>( this )->DescribeFields( visitor ); // nor does this one
+}
+
+// By the type
 
 Text CBaseCollection::GetCollectionEditorDescription() const
 {
@@ -193,22 +205,26 @@ Text CBaseCollection::GetDescription() const
     return GetCollectionEditorDescription();
 }
 
-XIcon CBaseCollection::GetXIcon() const
-{
-    return KVIconRegistryIconForActionType( u"For" );
-}
-
-void CBaseCollection::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    ioSearchee.Add( GetCollectionEditorDescription() );
-    ioSearchee.Add( GetCollectionTypeDescription() );
-    ioSearchee.Add( GetDescription() );
-    // What a description leaves out or cuts off.
-    HCollectingVisitor visitor( ioSearchee );
-    const_cast<CBaseCollection*>( this )->DescribeFields( visitor ); // which writes to no member
-}
-
 Text CBaseCollection::WikiName() const
 {
     return kvr_wikiName( GetCollectionTypeDescription() );
+}
+
+XIcon CBaseCollection::GetXIcon() const
+{
+    const CollectionTypeRow* row = RowOf( GetCollectionType() );
+    return XIcon( row ? row->mIconName : TextView(), KVIconRegistry::kFolder );
+}
+
+bool CBaseCollection::WriteWikiHelpData( const std::filesystem::path& inFolder )
+{
+    std::vector<WikiHelpLine> lines;
+    for ( const CollectionTypeRow& row : kCollectionTypes )
+    {
+        const auto collection = row.mMake();
+        lines.push_back( { collection->GetCollectionTypeDescription(), collection->WikiName(),
+            collection->GetCollectionTypeDescription(), collection->GetCollectionEditorDescription(),
+            collection->GetDescription() } );
+    }
+    return kvr_writeWikiHelpData( inFolder / "Collections.txt", std::move( lines ) );
 }

@@ -1,12 +1,14 @@
 // What a For action runs its actions over: a sequence of values. This program stores, edits, describes and
 // searches collections; walking them is the engine's, but for the lines and substrings of a text (LinesIn.h,
-// SubstringsIn.h). A concrete collection derives from CCollectionOf and states its fields in DescribeFields.
-// Owned by one list. Main thread.
+// SubstringsIn.h). A concrete collection derives from CCollectionOf and states its fields in DescribeFields; what is
+// known of its type beside them is a row of the table in CBaseCollection.cpp. A collection is owned by exactly one list,
+// or by the caller that received it. Main thread.
 #pragma once
 
 #include "Actions/HFieldVisitor.h"
 #include "Collections/CollectionType.h"
 
+#include <filesystem>
 #include <memory>
 
 class StringSearchee;
@@ -15,7 +17,35 @@ class XIcon;
 class CBaseCollection
 {
 public:
+    // What a type says. The defaults go by the described fields and by the type's row and texts.
+
+    /// The type's own keys.
+    virtual void SaveSubclassToDictionary( XMutableDictionary& ioDictionary ) const;
+    /// Fills a fresh collection. No key is required.
+    virtual void LoadSubclassFromDictionary( const XPlistDictionary& inDictionary );
+    /// Orders two collections of one type, by the first field that differs: negative, 0 or positive.
+    [[nodiscard]] virtual int CompareWithSame( const CBaseCollection& inOther ) const;
     virtual ~CBaseCollection() = default;
+    [[nodiscard]] virtual std::unique_ptr<CBaseCollection> Clone() const = 0;
+    [[nodiscard]] virtual CollectionType GetCollectionType() const = 0;
+    /// Refreshes what refers to other objects, such as a named clipboard.
+    virtual void UpdateToDefaultValues( bool ) {}
+    /// What stands above the fields of such a collection while it is edited.
+    [[nodiscard]] virtual Text GetCollectionEditorDescription() const;
+    /// The name of the type.
+    [[nodiscard]] virtual Text GetCollectionTypeDescription() const;
+    /// What this collection holds: "The Numbers from 1 to 10".
+    [[nodiscard]] virtual Text GetDescription() const;
+    [[nodiscard]] virtual XIcon GetXIcon() const;
+    /// What the editor is headed with, the type's name, the description, and the values that the latter leaves out or
+    /// cuts off.
+    virtual void AddMatchStrings( StringSearchee& ioSearchee ) const;
+    /// The name of the type's page in the help.
+    [[nodiscard]] virtual Text WikiName() const;
+    /// Each field once, with its key.
+    virtual void DescribeFields( HFieldVisitor& inVisitor );
+
+    // Making
 
     /// A new collection with default values; null for a number that is no type.
     [[nodiscard]] static std::unique_ptr<CBaseCollection> Create( CollectionType inType );
@@ -24,34 +54,15 @@ public:
         CollectionType inType, const XPlistDictionary& inDictionary );
     /// Throws XException for what can't be understood: no dictionary, an unknown type.
     [[nodiscard]] static std::unique_ptr<CBaseCollection> CreateFromPropertyList( const __SafeCFPropertyList& inValue );
-    /// The type and its fields.
+
+    /// "CollectionType" and the type's own keys.
     [[nodiscard]] CFContainer<XPlistDictionary> CopyToPropertyList() const;
-    [[nodiscard]] virtual std::unique_ptr<CBaseCollection> Clone() const = 0;
-
-    /// Each field once, with its key.
-    virtual void DescribeFields( HFieldVisitor& inVisitor );
-    virtual void SaveSubclassToDictionary( XMutableDictionary& ioDictionary ) const;
-    virtual void LoadSubclassFromDictionary( const XPlistDictionary& inDictionary );
-
-    /// Negative, 0 or positive: by type, then by fields.
+    /// By type, -1 or 1, then by CompareWithSame.
     [[nodiscard]] int CompareWith( const CBaseCollection& inOther ) const;
-    /// The same among collections of one type.
-    [[nodiscard]] virtual int CompareWithSame( const CBaseCollection& inOther ) const;
 
-    [[nodiscard]] virtual CollectionType GetCollectionType() const = 0;
-    /// Follows renamed clipboards of the text or image that is looked at.
-    virtual void UpdateToDefaultValues( bool inForce );
-
-    /// What stands above the fields of such a collection while it is edited.
-    [[nodiscard]] virtual Text GetCollectionEditorDescription() const;
-    /// The name of the type.
-    [[nodiscard]] virtual Text GetCollectionTypeDescription() const;
-    /// What this collection holds: "The Numbers from 1 to 10".
-    [[nodiscard]] virtual Text GetDescription() const;
-    [[nodiscard]] virtual XIcon GetXIcon() const;
-    virtual void AddMatchStrings( StringSearchee& ioSearchee ) const;
-    /// The name of the type's page in the help.
-    [[nodiscard]] virtual Text WikiName() const;
+    /// The catalogue of collections for those who write the help: "Collections.txt" in the folder, in the form that
+    /// Actions/WikiHelpData.h tells. False when it can't be written.
+    static bool WriteWikiHelpData( const std::filesystem::path& inFolder );
 
 protected:
     CBaseCollection() = default;

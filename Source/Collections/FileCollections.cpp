@@ -1,7 +1,6 @@
 #include "Collections/FileCollections.h"
 
 #include "Actions/DescriptionText.h"
-#include "Defines/KVIconRegistry.h"
 #include "Utility/Text/Localization.h"
 
 // Files
@@ -42,18 +41,6 @@ Text CFilesCollection::GetDescription() const
     if ( mIncludeInvisibles )
         description = kvr_localizedFormat( u"clFiles_IncludeInvisiblesFormat", TextView( description ) );
     return description;
-}
-
-XIcon CFilesCollection::GetXIcon() const
-{
-    return XIcon( KVIconRegistry::kFolder );
-}
-
-// Finder Selection
-
-XIcon CFinderSelectionCollection::GetXIcon() const
-{
-    return XIcon( KVIconRegistry::kFolder );
 }
 
 // Volumes

@@ -27,7 +27,6 @@ class CFilesCollection final : public CCollectionOf<CFilesCollection, Collection
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
     [[nodiscard]] Text GetDescription() const override;
-    [[nodiscard]] XIcon GetXIcon() const override;
 
 private:
     bool ReadOlderRecursive( HFieldVisitor& inVisitor );
@@ -40,10 +39,7 @@ private:
 
 class CFinderSelectionCollection final
     : public CCollectionOf<CFinderSelectionCollection, CollectionType::kFinderSelection>
-{
-public:
-    [[nodiscard]] XIcon GetXIcon() const override;
-};
+{};
 
 class CVolumesCollection final : public CCollectionOf<CVolumesCollection, CollectionType::kVolumes>
 {

@@ -2,6 +2,7 @@
 
 #include "Actions/DescriptionText.h"
 #include "Actions/HFieldVisitors.h"
+#include "Actions/WikiHelpData.h"
 #include "Conditions/ApplicationConditions.h"
 #include "Conditions/DeviceConditions.h"
 #include "Conditions/InputConditions.h"
@@ -10,14 +11,10 @@
 #include "Conditions/ScriptCondition.h"
 #include "Conditions/TextConditions.h"
 #include "Defines/KVIconRegistry.h"
+#include "Macros/StoredNames.h"
 #include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
-#include "Utility/Text/TextCompare.h"
-#include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
-#include "XCAF/XFileWriting.h"
-
-#include <algorithm>
 
 // To add a type of condition: an enumerator and its key in ConditionType.h, a row here in its place, a class with its
 // fields, its texts, and its lines in Tests/Conditions/ConditionCatalogue.txt.
@@ -80,14 +77,6 @@ const ConditionTypeRow* RowOf( ConditionType inType )
 {
     return std::size_t( inType ) < std::size( kConditionTypes ) ? &kConditionTypes[std::size_t( inType )] : nullptr;
 }
-
-std::optional<ConditionType> ConditionTypeFromKey( const XText& inKey )
-{
-    const auto* at = std::ranges::find_if( kConditionTypeNames, [&]( TextView name ) { return inKey.Equals( name ); } );
-    if ( at == std::end( kConditionTypeNames ) )
-        return {};
-    return ConditionType( at - std::begin( kConditionTypeNames ) );
-}
 } // namespace
 
 // Making
@@ -111,10 +100,10 @@ std::unique_ptr<CBaseCondition> CBaseCondition::CreateFromPropertyList( const __
     const XPlistDictionary* const dictionary = inValue.AsDictionary();
     XThrowIfNot( dictionary && dictionary->IsCorrectTypeID() );
     XText key;
-    const bool isText = dictionary->Get( CFSTR( "ConditionType" ), key );
-    const std::optional<ConditionType> good = isText ? ConditionTypeFromKey( key ) : std::nullopt;
+    static_cast<void>( dictionary->Get( CFSTR( "ConditionType" ), key ) );
+    const std::optional<std::size_t> good = IndexOfStoredName( key, kConditionTypeNames );
     XThrowIfNot( good );
-    return Create( *good, *dictionary );
+    return Create( ConditionType( *good ), *dictionary );
 }
 
 CFContainer<XPlistDictionary> CBaseCondition::CopyToPropertyList() const
@@ -195,19 +184,13 @@ XImage CBaseCondition::GetDescriptionExtraImage() const
 
 bool CBaseCondition::WriteWikiHelpData( const std::filesystem::path& inFolder )
 {
-    std::vector<std::unique_ptr<CBaseCondition>> conditions;
+    std::vector<WikiHelpLine> lines;
     for ( const ConditionTypeRow& row : kConditionTypes )
-        conditions.push_back( row.mMake() );
-    std::ranges::stable_sort( conditions, []( const auto& a, const auto& b ) {
-        return localizedStandardCompare( a->GetConditionTypeSortDescription(), b->GetConditionTypeSortDescription() ) <
-            0;
-    } );
-    Text lines;
-    for ( const auto& condition : conditions )
-        lines += condition->WikiName() + u'\t' + condition->GetConditionTypeDescription() + u'\t' +
-            condition->GetConditionEditorDescription() + u'\t' + condition->GetDescription() + u'\n';
-    const std::string bytes = UTF8FromText( lines );
-    const auto error = XAtomicFile::Write(
-        inFolder / "Conditions.txt", { reinterpret_cast<const std::uint8_t*>( bytes.data() ), bytes.size() } );
-    return not error;
+    {
+        const auto condition = row.mMake();
+        lines.push_back( { condition->GetConditionTypeSortDescription(), condition->WikiName(),
+            condition->GetConditionTypeDescription(), condition->GetConditionEditorDescription(),
+            condition->GetDescription() } );
+    }
+    return kvr_writeWikiHelpData( inFolder / "Conditions.txt", std::move( lines ) );
 }

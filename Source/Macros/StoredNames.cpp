@@ -15,6 +15,14 @@ std::optional<std::size_t> IndexOfStoredName( const XText& inName, std::span<con
     return std::size_t( at - inNames.begin() );
 }
 
+std::optional<std::size_t> IndexOfStoredName( const XText& inName, std::span<const TextView> inNames )
+{
+    const auto at = std::ranges::find_if( inNames, [&inName]( TextView name ) { return inName.Equals( name ); } );
+    if ( at == inNames.end() )
+        return {};
+    return std::size_t( at - inNames.begin() );
+}
+
 std::size_t GetStoredName( const XPlistDictionary& inDictionary, const XKey& inKey,
     std::span<const std::string_view> inNames, std::size_t inDefault )
 {

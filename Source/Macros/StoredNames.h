@@ -12,6 +12,9 @@
 [[nodiscard]] std::optional<std::size_t> IndexOfStoredName(
     const XText& inName, std::span<const std::string_view> inNames );
 
+/// The same among the names of a table beside its enumeration.
+[[nodiscard]] std::optional<std::size_t> IndexOfStoredName( const XText& inName, std::span<const TextView> inNames );
+
 /// The index of the name under a key; the default when the key is missing, no string, or unknown, which the
 /// load observer is told of when a value stood there.
 [[nodiscard]] std::size_t GetStoredName( const XPlistDictionary& inDictionary, const XKey& inKey,

@@ -1,10 +1,11 @@
-// The thirteen types of collection against a table of their keys and defaults, written by hand.
+// What only some types of collection do, and what each says of itself; keys and defaults are the catalogue's.
 #include "Collections/CBaseCollection.h"
 #include "Tests/Actions/ActionTestSupport.h"
-#include "Utility/Search/StringSearchee.h"
+#include "Tests/Support/ScratchFolder.h"
 #include "XCAF/XIcon.h"
 
 #include <set>
+#include <sstream>
 
 namespace
 {
@@ -13,84 +14,9 @@ __SafeCFPropertyList Number( std::int64_t inValue )
     return __SafeCFPropertyList::Integer( inValue );
 }
 
-__SafeCFPropertyList Area( TextView inType )
+__SafeCFPropertyList New( CollectionType inType )
 {
-    return Dict( { { "ScreenAreaType", Str( inType ) }, { "WindowName", Str( u"" ) },
-        { "IndexExpression", Str( u"2" ) }, { "LeftExpression", Str( u"125" ) }, { "TopExpression", Str( u"125" ) },
-        { "WidthExpression", Str( u"300" ) }, { "HeightExpression", Str( u"300" ) } } );
-}
-
-struct Key
-{
-    const char* mKey;
-    __SafeCFPropertyList mDefault;
-    std::vector<__SafeCFPropertyList> mOthers;
-};
-
-struct Type
-{
-    TextView mName;
-    std::vector<Key> mKeys;
-
-    __SafeCFPropertyList Bare() const { return Dict( { { "CollectionType", Str( mName ) } } ); }
-    __SafeCFPropertyList Full() const
-    {
-        __SafeCFPropertyList full = Bare();
-        for ( const Key& key : mKeys )
-            full = With( full, key.mKey, key.mDefault );
-        return full;
-    }
-};
-
-std::vector<__SafeCFPropertyList> Names( std::initializer_list<TextView> inNames )
-{
-    std::vector<__SafeCFPropertyList> names;
-    for ( const TextView name : inNames )
-        names.push_back( Str( name ) );
-    return names;
-}
-
-const std::vector<Type>& Types()
-{
-    static const std::vector<Type> gTypes = {
-        { u"Range",
-            { { "StartExpression", Str( u"1" ), { Str( u"" ), Str( u"N+1" ) } },
-                { "EndExpression", Str( u"10" ), { Str( u"2^8" ) } },
-                { "Upwards", Bool( true ), { Bool( false ) } } } },
-        { u"Applications", {} },
-        { u"Files",
-            { { "Path", Str( u"" ), { Str( u"~/Documents" ) } },
-                { "SortOrder", Str( u"Alphabetical" ),
-                    Names( { u"FileSize", u"CreationDate", u"ModificationDate", u"AddedDate", u"DownloadedDate",
-                        u"LastUsedDate", u"Recursive" } ) },
-                { "Reverse", Bool( false ), { Bool( true ) } },
-                { "IncludeInvisibles", Bool( false ), { Bool( true ) } } } },
-        { u"FinderSelection", {} },
-        { u"Volumes", { { "AsPath", Bool( false ), { Bool( true ) } } } },
-        { u"LinesIn",
-            { { "Source", Str( u"Clipboard" ), Names( { u"Nothing", u"Source", u"TriggerClipboard" } ) },
-                { "IncludeBlankLines", Bool( false ), { Bool( true ) } } } },
-        { u"SubstringsIn",
-            { { "Source", Str( u"Clipboard" ), Names( { u"Nothing", u"TriggerClipboard" } ) },
-                { "SearchKind", Str( u"CaseSensitive" ), Names( { u"CaseInsensitive", u"Match" } ) },
-                { "ResultType", Str( u"String" ), Names( { u"Position", u"Range" } ) },
-                { "Search", Str( u"" ), { Str( u"a+" ) } } } },
-        { u"PastClipboards", {} },
-        { u"Dictionaries", {} },
-        { u"DictionaryKeys", { { "Dictionary", Str( u"DictionaryName" ), { Str( u"Colours" ) } } } },
-        { u"FoundImages",
-            { { "ImageSource", Str( u"Image" ), Names( { u"SystemClipboard", u"TriggerClipboard" } ) },
-                { "Fuzz", Number( 15 ), { Number( 0 ), Number( 80 ) } },
-                { "DisplayMatches", Bool( false ), { Bool( true ) } },
-                { "ScreenArea", Area( u"ScreenAll" ), { Area( u"WindowFront" ) } },
-                { "SortOrder", Str( u"BestFirst" ),
-                    Names( { u"TopToBottom", u"LeftToRight", u"BottomToTop", u"RightToLeft" } ) } } },
-        { u"Variables", {} },
-        { u"JSON",
-            { { "Text", Str( u"" ), { Str( u"[1]" ) } },
-                { "ResultType", Str( u"Key" ), Names( { u"StrictKey", u"JSON", u"PrettyJSON" } ) } } },
-    };
-    return gTypes;
+    return CBaseCollection::Create( inType )->CopyToPropertyList();
 }
 
 __SafeCFPropertyList Read( const __SafeCFPropertyList& inValue )
@@ -112,72 +38,17 @@ std::string Failure( const __SafeCFPropertyList& inValue )
 }
 } // namespace
 
-TEST( CollectionTypes, ANewOneAndOneReadFromItsTypeAloneHaveTheDefaults )
+TEST( CollectionTypes, ANumberThatIsNoTypeMakesNone )
 {
-    ASSERT_EQ( Types().size(), std::size( kCollectionTypeNames ) );
-    for ( std::size_t i = 0; i < Types().size(); ++i )
-    {
-        const Type& type = Types()[i];
-        const auto collection = CBaseCollection::Create( CollectionType( i ) );
-        EXPECT_EQ( collection->GetCollectionType(), CollectionType( i ) );
-        EXPECT_EQ( __SafeCFPropertyList( collection->CopyToPropertyList() ), type.Full() )
-            << Shown( collection->CopyToPropertyList() );
-        EXPECT_EQ( Read( type.Bare() ), type.Full() ) << Shown( Read( type.Bare() ) );
-    }
-    LogCapture log;
     EXPECT_EQ( CBaseCollection::Create( CollectionType( 13 ) ), nullptr );
-    EXPECT_EQ( log.CountContaining( "Assertion Failed" ), 1u );
-}
-
-TEST( CollectionTypes, EachChangedValueComesBackAndTellsCollectionsApart )
-{
-    for ( const Type& type : Types() )
-    {
-        const auto original = CBaseCollection::CreateFromPropertyList( type.Full() );
-        for ( const Key& key : type.mKeys )
-        {
-            for ( const auto& value : key.mOthers )
-            {
-                const auto stored = With( type.Full(), key.mKey, value );
-                const auto changed = CBaseCollection::CreateFromPropertyList( stored );
-                EXPECT_EQ( __SafeCFPropertyList( changed->Clone()->CopyToPropertyList() ), stored )
-                    << Shown( stored ) << Shown( changed->CopyToPropertyList() );
-                EXPECT_EQ( changed->CompareWith( *changed->Clone() ), 0 );
-                EXPECT_NE( changed->CompareWith( *original ), 0 ) << key.mKey;
-                EXPECT_EQ( changed->CompareWith( *original ), -original->CompareWith( *changed ) ) << key.mKey;
-            }
-        }
-    }
-}
-
-TEST( CollectionTypes, ValuesOfAWrongTypeAndUnknownNamesLeaveTheDefaults )
-{
-    const __SafeCFPropertyList kWrong[] = { Str( u"nonsense" ), Number( 5 ), Bool( true ), Array( {} ), Dict( {} ),
-        __SafeCFPropertyList::Real( 0.5 ) };
-    for ( const Type& type : Types() )
-    {
-        for ( const Key& key : type.mKeys )
-        {
-            for ( const auto& wrong : kWrong )
-            {
-                // A text takes any string.
-                const bool isName = key.mDefault.AsString() and key.mOthers.size() > 1;
-                if ( wrong.GetType() == key.mDefault.GetType() and not isName )
-                    continue;
-                if ( wrong.AsString() and std::string( key.mKey ) == "StartExpression" )
-                    continue;
-                EXPECT_EQ( Read( With( type.Full(), key.mKey, wrong ) ), type.Full() )
-                    << UTF8FromText( type.mName ) << " " << key.mKey << Shown( wrong );
-            }
-        }
-    }
+    EXPECT_EQ( CBaseCollection::Create( CollectionType( -1 ), *Dict( {} ).AsDictionary() ), nullptr );
 }
 
 TEST( CollectionTypes, AreOrderedByNumberFirst )
 {
-    for ( std::size_t i = 0; i < Types().size(); ++i )
+    for ( std::size_t i = 0; i < std::size( kCollectionTypeNames ); ++i )
     {
-        for ( std::size_t j = 0; j < Types().size(); ++j )
+        for ( std::size_t j = 0; j < std::size( kCollectionTypeNames ); ++j )
         {
             const int order = CBaseCollection::Create( CollectionType( i ) )
                                   ->CompareWith( *CBaseCollection::Create( CollectionType( j ) ) );
@@ -188,10 +59,12 @@ TEST( CollectionTypes, AreOrderedByNumberFirst )
 
 TEST( CollectionTypes, WhatBelongsToTheChosenSourceIsKeptAndNothingElse )
 {
-    const auto lines = With( With( Types()[5].Full(), "Source", Str( u"Variable" ) ), "Variable", Str( u"List" ) );
+    const auto lines =
+        With( With( New( CollectionType::kLinesIn ), "Source", Str( u"Variable" ) ), "Variable", Str( u"List" ) );
     EXPECT_EQ( Read( lines ), lines );
     EXPECT_EQ( Read( With( lines, "Text", Str( u"left from before" ) ) ), lines );
-    const auto image = With( With( Types()[10].Full(), "ImageSource", Str( u"File" ) ), "ImagePath", Str( u"/a.png" ) );
+    const auto image = With(
+        With( New( CollectionType::kFoundImages ), "ImageSource", Str( u"File" ) ), "ImagePath", Str( u"/a.png" ) );
     EXPECT_EQ( Read( With( image, "ImageNamedClipboardName", Str( u"X" ) ) ), image );
 }
 
@@ -251,8 +124,9 @@ TEST( CollectionTypes, TheOlderFlagOfFilesStandsAboveTheOrder )
     };
     for ( const auto& [recursive, order, read] : kCases )
     {
-        const auto stored = With( With( Types()[2].Full(), "SortOrder", Str( order ) ), "Recursive", recursive );
-        EXPECT_EQ( Read( stored ), With( Types()[2].Full(), "SortOrder", Str( read ) ) ) << Shown( stored );
+        const auto stored =
+            With( With( New( CollectionType::kFiles ), "SortOrder", Str( order ) ), "Recursive", recursive );
+        EXPECT_EQ( Read( stored ), With( New( CollectionType::kFiles ), "SortOrder", Str( read ) ) ) << Shown( stored );
     }
 }
 
@@ -290,37 +164,37 @@ TEST( CollectionTypes, DescriptionsTellWhatIsRunOver )
     }
 }
 
-TEST( CollectionTypes, EveryOneHasWordsAnIconAndAPageOfItsOwnWhateverItsValues )
+TEST( CollectionTypes, EveryOneHasWordsAnIconAndAPageOfItsOwn )
 {
-    LogCapture log;
+    const LogCapture log;
     std::set<Text> names, pages;
-    for ( const Type& type : Types() )
+    for ( std::size_t i = 0; i < std::size( kCollectionTypeNames ); ++i )
     {
-        const auto collection = CBaseCollection::CreateFromPropertyList( type.Full() );
-        EXPECT_FALSE( collection->GetCollectionEditorDescription().empty() );
-        EXPECT_TRUE( collection->GetXIcon().Defined() );
+        const auto collection = CBaseCollection::Create( CollectionType( i ) );
+        for ( const Text& words : { collection->GetCollectionEditorDescription(), collection->GetDescription() } )
+            EXPECT_TRUE( not words.empty() and not words.starts_with( u"cl" ) ) << UTF8FromText( words );
+        EXPECT_TRUE( collection->GetXIcon().GetSavedData() );
         names.insert( collection->GetCollectionTypeDescription() );
         pages.insert( collection->WikiName() );
         EXPECT_EQ( collection->WikiName().find( u' ' ), Text::npos );
-        for ( const Key& key : type.mKeys )
-        {
-            for ( const auto& value : key.mOthers )
-            {
-                const auto changed = CBaseCollection::CreateFromPropertyList( With( type.Full(), key.mKey, value ) );
-                EXPECT_FALSE( changed->GetDescription().empty() );
-                StringSearchee searchee;
-                changed->AddMatchStrings( searchee );
-                if ( std::string( key.mKey ) != "ScreenArea" and key.mOthers.size() == 1 and value.AsString() )
-                {
-                    bool found = false;
-                    for ( const auto& element : searchee.GetElements() )
-                        found = found or element.mText == value.AsString()->GetText();
-                    EXPECT_TRUE( found ) << key.mKey;
-                }
-            }
-        }
     }
-    EXPECT_EQ( names.size(), Types().size() );
-    EXPECT_EQ( pages.size(), Types().size() );
-    EXPECT_EQ( log.CountContaining( "" ), 0u ) << "a key without a text is logged";
+    EXPECT_EQ( names.size(), std::size( kCollectionTypeNames ) );
+    EXPECT_EQ( pages.size(), std::size( kCollectionTypeNames ) );
+    EXPECT_TRUE( log.Lines().empty() ) << "a key without a text and an unknown icon are logged";
+}
+
+TEST( CollectionTypes, TheHelpDataHasALineForEachTypeSorted )
+{
+    const ScratchFolder folder;
+    ASSERT_TRUE( CBaseCollection::WriteWikiHelpData( folder.Path() ) );
+    std::istringstream lines( folder.Read( "Collections.txt" ) );
+    std::vector<std::string> found;
+    for ( std::string line; std::getline( lines, line ); )
+    {
+        EXPECT_EQ( std::count( line.begin(), line.end(), '\t' ), 3 ) << line;
+        found.push_back( line.substr( 0, line.find( '\t' ) ) );
+    }
+    EXPECT_EQ( found.size(), std::size( kCollectionTypeNames ) );
+    EXPECT_TRUE( std::is_sorted( found.begin(), found.end() ) );
+    EXPECT_FALSE( CBaseCollection::WriteWikiHelpData( folder / "missing" ) );
 }
