@@ -8,7 +8,7 @@ namespace
 Text QuotedApplication( const std::optional<XApplicationIdentifier>& inApplication )
 {
     const Text name = inApplication ? inApplication->GetDisplayName() : Text();
-    return name.empty() ? kvr_localized( u"kvConditionNoApplication" )
+    return name.empty() ? kvr_localized( u"kvConditionNoneChosen" )
                         : kvr_localizedFormat( u"kvConditionApplicationNameFormat", TextView( name ) );
 }
 } // namespace

@@ -75,8 +75,7 @@ Text GenericCondition::GetMenuTitle() const
 Text GenericCondition::GetDescription(
     const XText& inValue, std::int64_t inStatus, GenericConditionAddText inAdd ) const
 {
-    Text text =
-        kvr_localized( u"kvGenericCondition" + Text( kGenericConditionNames[std::size_t( mType )] ) + u"Description" );
+    Text text = kvr_localized( kvr_format( "kvGenericCondition%@Description", StoredName( mType ) ) );
     if ( ComparesTexts( mType ) and inAdd != GenericConditionAddText::kNothing )
     {
         // Put together by hand: the text so far still waits for its value, which a formatter would fill in.

@@ -26,8 +26,8 @@ void CKeyCondition::DescribeFields( HFieldVisitor& inVisitor )
 
 Text CKeyCondition::GetDescription() const
 {
-    return kvr_localizedFormat(
-        kvr_format( "kvConditionKey%@Format", StoredName( mType ) ), TextView( kvr_keyName( mKeyCode ) ) );
+    const Text key = mKeyCode == kNoKeyCode ? kvr_localized( u"kvConditionNoneChosen" ) : kvr_keyName( mKeyCode );
+    return kvr_localizedFormat( kvr_format( "kvConditionKey%@Format", StoredName( mType ) ), TextView( key ) );
 }
 
 void CTypedStringCondition::DescribeFields( HFieldVisitor& inVisitor )

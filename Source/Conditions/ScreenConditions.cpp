@@ -1,6 +1,7 @@
 #include "Conditions/ScreenConditions.h"
 
 #include "Actions/DescriptionText.h"
+#include "Macros/StoredNames.h"
 #include "Utility/Text/Localization.h"
 
 #include <algorithm>
@@ -67,18 +68,30 @@ void CPixelCondition::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Calculation( "VerticalPositionExpression", mVerticalPosition );
 }
 
-// The deprecated key, which is written for older versions, comes first: where the current one has a name, that stands.
+// The deprecated key is written for older versions. Reading, it counts only where the current one holds no name: what
+// stands in it beside a name is nobody's loss, and no repair.
 void CPixelCondition::DescribeType( HFieldVisitor& inVisitor )
 {
-    auto deprecated = DeprecatedPixelConditionType( mType );
-    inVisitor.Name( "PixelConditionType", deprecated, { .mWhenMissing = DeprecatedPixelConditionType( 0 ) } );
+    constexpr HFieldKey kCurrent = "PixelConditionTypeGood";
+    __SafeCFPropertyList current;
     if ( inVisitor.IsReading() )
-    {
-        mType = PixelConditionType( deprecated );
-        if ( inVisitor.HasKey( "PixelConditionType" ) and not inVisitor.HasKey( "PixelConditionTypeGood" ) )
-            inVisitor.NoteOlderKey( "PixelConditionType", "PixelConditionTypeGood" );
-    }
-    inVisitor.Name( "PixelConditionTypeGood", mType );
+        inVisitor.Value( kCurrent, current );
+    const XText name( CFContainer<XPlistString>::Share( current.AsString() ) );
+    if ( not IndexOfStoredName( name, kPixelConditionTypeNames ) )
+        DescribeDeprecatedType( inVisitor );
+    inVisitor.Name( kCurrent, mType );
+}
+
+void CPixelCondition::DescribeDeprecatedType( HFieldVisitor& inVisitor )
+{
+    constexpr HFieldKey kDeprecated = "PixelConditionType";
+    auto deprecated = DeprecatedPixelConditionType( mType );
+    inVisitor.Name( kDeprecated, deprecated, { .mWhenMissing = DeprecatedPixelConditionType( 0 ) } );
+    if ( not inVisitor.IsReading() )
+        return;
+    mType = PixelConditionType( deprecated );
+    if ( inVisitor.HasKey( kDeprecated ) )
+        inVisitor.NoteOlderKey( kDeprecated, "PixelConditionTypeGood" );
 }
 
 Text CPixelCondition::GetDescription() const

@@ -65,6 +65,7 @@ public:
 
 private:
     void DescribeType( HFieldVisitor& inVisitor );
+    void DescribeDeprecatedType( HFieldVisitor& inVisitor );
 
     PixelConditionType mType = PixelConditionType::kIs;
     double mRed = 0, mGreen = 0, mBlue = 0; // 0 to 1

@@ -1,5 +1,6 @@
 #include "Conditions/ScriptCondition.h"
 
+#include "Actions/ActionFieldParts.h"
 #include "Actions/DescriptionText.h"
 #include "Utility/Text/Localization.h"
 
@@ -9,8 +10,7 @@ void CScriptCondition::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Name( "ScriptConditionType", mType );
     // A new condition has an example; one read without the key has none.
     inVisitor.Text( "ScriptText", mScript, { .mWhenMissing = u"" } );
-    // An older reference to the file is a path, or data that no other computer understands.
-    inVisitor.Text( "Path", mPath, { .mOlderKey = "NewFile" } );
+    DescribePath( inVisitor, mPath );
     inVisitor.Text( "ScriptResult", mResult );
     inVisitor.Integer( "ScriptTerminationStatus", mTerminationStatus );
 }

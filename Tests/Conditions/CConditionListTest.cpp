@@ -106,6 +106,11 @@ TEST( CConditionList, TheObserverHearsOfRepairsAndOlderKeys )
     static_cast<void>( Loaded( ListDict( u"Some", { pixel, window } ) ) );
     EXPECT_EQ( observer.mOlder, Strings{ "PixelConditionType PixelConditionTypeGood" } );
     EXPECT_EQ( observer.mRepaired, ( Strings{ "ConditionListMatch", "IsFrontApplication" } ) );
+    // What stands in the deprecated key beside a current name isn't read.
+    static_cast<void>( ReadCondition( ConditionDict(
+        u"Pixel", { { "PixelConditionTypeGood", Str( u"Is" ) }, { "PixelConditionType", Str( u"Is" ) } } ) ) );
+    EXPECT_EQ( observer.mOlder.size(), 1U );
+    EXPECT_EQ( observer.mRepaired.size(), 2U );
     EXPECT_EQ( Shown( Reloaded( ActionDict( u"Assert", { { "Conditions", Int( 1 ) } } ) ) ),
         Shown( ActionDict( u"Assert", { { "Conditions", ListDict( u"All", {} ) } } ) ) );
     EXPECT_EQ( observer.mRepaired.back(), "Conditions" );
