@@ -3,6 +3,7 @@
 
 #include "Actions/HAppleScriptActionList.h"
 #include "Actions/HBaseAction.h"
+#include "Actions/HClausesInDescription.h"
 #include "Conditions/CConditionList.h"
 
 class HOneListAction : public HBaseAction, public HAppleScriptActionList
@@ -33,12 +34,25 @@ public:
 
 /// One that is decided by conditions.
 template<class Base>
-class HConditionalAction : public Base
+class HConditionalAction : public Base, public HClausesInDescription
 {
 public:
     void UpdateToDefaultValues( bool inFlag ) override { mConditions.UpdateToDefaultValues( inFlag ); }
     [[nodiscard]] CConditionList& GetConditions() { return mConditions; }
 
+    [[nodiscard]] Text GetDescriptionBeforeClauses() const override
+    {
+        return DescriptionWith( mConditions.GetConditionDisplayText() );
+    }
+    [[nodiscard]] std::vector<Text> GetClauses() const override { return mConditions.GetClauses(); }
+
 protected:
+    [[nodiscard]] Text InternalGetActionDescriptionString() const override
+    {
+        return DescriptionWith( mConditions.GetDescription() );
+    }
+    /// The description with the conditions in these words, which are "" when there are none.
+    [[nodiscard]] virtual Text DescriptionWith( const Text& inConditions ) const = 0;
+
     CConditionList mConditions;
 };

@@ -2,7 +2,6 @@
 
 #include "Actions/HFieldVisitors.h"
 #include "Actions/RecordedNumbers.h"
-#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
 #include <algorithm>
@@ -17,13 +16,10 @@ std::optional<double> PlainTime( const XText& inText )
     return number and *number >= 0 ? number : std::nullopt;
 }
 
-// The description of an action that is decided by conditions: what it does without any, or a format
-// with the conditions in words.
-Text ConditionalDescription( const CConditionList& inConditions, TextView inEmptyKey, TextView inFormatKey )
+// What an action does without conditions, or a format with the conditions in words.
+Text ConditionalDescription( const Text& inConditions, TextView inEmptyKey, TextView inFormatKey )
 {
-    if ( inConditions.Empty() )
-        return kvr_localized( inEmptyKey );
-    return kvr_localizedFormat( inFormatKey, TextView( inConditions.GetDescription() ) );
+    return inConditions.empty() ? kvr_localized( inEmptyKey ) : kvr_localizedFormat( inFormatKey, inConditions );
 }
 } // namespace
 
@@ -64,9 +60,9 @@ void AIfThenElse::DoForEverySubActionList( const HActionList::ListBlock& inBlock
     inBlock( [] { return kvr_localized( u"kvIfThenElseElse" ); }, mElseActions.GetList() );
 }
 
-Text AIfThenElse::InternalGetActionDescriptionString() const
+Text AIfThenElse::DescriptionWith( const Text& inConditions ) const
 {
-    return ConditionalDescription( mConditions, u"kvIfThenElseNoConditionsTitle", u"kvIfThenElseTitle" );
+    return ConditionalDescription( inConditions, u"kvIfThenElseNoConditionsTitle", u"kvIfThenElseTitle" );
 }
 
 // Loops
@@ -77,9 +73,9 @@ void AWhile::DescribeFields( HFieldVisitor& inVisitor )
     DescribeActions( inVisitor );
 }
 
-Text AWhile::InternalGetActionDescriptionString() const
+Text AWhile::DescriptionWith( const Text& inConditions ) const
 {
-    return ConditionalDescription( mConditions, u"kvWhileNoConditionsTitle", u"kvWhileTitle" );
+    return ConditionalDescription( inConditions, u"kvWhileNoConditionsTitle", u"kvWhileTitle" );
 }
 
 void AUntil::DescribeFields( HFieldVisitor& inVisitor )
@@ -88,12 +84,11 @@ void AUntil::DescribeFields( HFieldVisitor& inVisitor )
     DescribeActions( inVisitor );
 }
 
-Text AUntil::InternalGetActionDescriptionString() const
+Text AUntil::DescriptionWith( const Text& inConditions ) const
 {
-    if ( mConditions.Empty() )
+    if ( inConditions.empty() )
         return kvr_localized( IsEmptyOfActions() ? u"kvUntilNothingTitle" : u"kvUntilNoConditionsTitle" );
-    return kvr_format(
-        "%@ %@", TextView( kvr_localized( u"kvUntilTitle" ) ), TextView( mConditions.GetDescription() ) );
+    return kvr_format( "%@ %@", TextView( kvr_localized( u"kvUntilTitle" ) ), TextView( inConditions ) );
 }
 
 void ARepeat::DescribeFields( HFieldVisitor& inVisitor )
@@ -112,28 +107,22 @@ Text ARepeat::InternalGetActionDescriptionString() const
 void AFor::DescribeFields( HFieldVisitor& inVisitor )
 {
     inVisitor.Variable( "Variable", mVariable );
-    inVisitor.Converted( "Collections", mCollections, { .mRequiredAs = "collections" } );
+    mCollections.DescribeIn( inVisitor );
     DescribeActions( inVisitor );
-}
-
-void AFor::AddMatchStrings( StringSearchee& ioSearchee ) const
-{
-    HLoopAction::AddMatchStrings( ioSearchee );
-    ioSearchee.Add( mVariable );
-    mCollections.AddMatchStrings( ioSearchee );
-}
-
-void AFor::UpdateToDefaultValues( bool inFlag )
-{
-    mCollections.UpdateToDefaultValues( inFlag );
 }
 
 Text AFor::InternalGetActionDescriptionString() const
 {
     if ( mCollections.Empty() )
-        return kvr_localizedFormat( u"kvForTitle", TextView( mVariable.GetText() ) );
+        return InternalGetActionHTMLDescriptionString();
     return kvr_localizedFormat(
-        u"kvForInTitle", TextView( mVariable.GetText() ), TextView( mCollections.GetDescription() ) );
+        u"kvForTitle", TextView( mVariable.GetText() ), TextView( mCollections.GetDescription() ) );
+}
+
+Text AFor::GetDescriptionBeforeClauses() const
+{
+    return kvr_localizedFormat(
+        u"kvForTitle", TextView( mVariable.GetText() ), TextView( kvr_localized( u"clCollectionListTitle" ) ) );
 }
 
 // One text for no collection, one for one, one for more.
@@ -162,9 +151,9 @@ void AAssert::DescribeFields( HFieldVisitor& inVisitor )
     mConditions.DescribeIn( inVisitor );
 }
 
-Text AAssert::InternalGetActionDescriptionString() const
+Text AAssert::DescriptionWith( const Text& inConditions ) const
 {
-    return ConditionalDescription( mConditions, u"kvAssertNoConditionsTitle", u"hkAssertTitle" );
+    return ConditionalDescription( inConditions, u"kvAssertNoConditionsTitle", u"hkAssertTitle" );
 }
 
 void APauseUntil::DescribeFields( HFieldVisitor& inVisitor )
@@ -172,9 +161,9 @@ void APauseUntil::DescribeFields( HFieldVisitor& inVisitor )
     mConditions.DescribeIn( inVisitor );
 }
 
-Text APauseUntil::InternalGetActionDescriptionString() const
+Text APauseUntil::DescriptionWith( const Text& inConditions ) const
 {
-    return ConditionalDescription( mConditions, u"kvPauseUntilNoConditionsTitle", u"hkPauseUntilTitle" );
+    return ConditionalDescription( inConditions, u"kvPauseUntilNoConditionsTitle", u"hkPauseUntilTitle" );
 }
 
 void ACancel::DescribeFields( HFieldVisitor& inVisitor )

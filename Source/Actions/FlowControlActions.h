@@ -19,7 +19,7 @@ public:
     [[nodiscard]] std::shared_ptr<HActionList> GetElseActionList() const { return mElseActions.GetShared(); }
 
 protected:
-    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+    [[nodiscard]] Text DescriptionWith( const Text& inConditions ) const override;
 
 private:
     HActions mThenActions, mElseActions;
@@ -31,7 +31,7 @@ public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
 
 protected:
-    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+    [[nodiscard]] Text DescriptionWith( const Text& inConditions ) const override;
 };
 
 class AUntil final : public HActionOf<AUntil, HActionType::kUntil, HConditionalAction<HLoopAction>>
@@ -40,7 +40,7 @@ public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
 
 protected:
-    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+    [[nodiscard]] Text DescriptionWith( const Text& inConditions ) const override;
 };
 
 class ARepeat final : public HActionOf<ARepeat, HActionType::kRepeat, HLoopAction>
@@ -57,15 +57,17 @@ private:
     XText mCountExpression = SharedText<u"1">();
 };
 
-class AFor final : public HActionOf<AFor, HActionType::kFor, HLoopAction>
+class AFor final : public HActionOf<AFor, HActionType::kFor, HLoopAction>, public HClausesInDescription
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    virtual void SetVariable( const XText& inVariable ) { mVariable = inVariable; }
-    [[nodiscard]] virtual XText GetVariable() const { return mVariable; }
+    void SetVariable( const XText& inVariable ) { mVariable = inVariable; }
+    [[nodiscard]] const XText& GetVariable() const { return mVariable; }
     [[nodiscard]] CCollectionList& GetCollections() { return mCollections; }
-    void AddMatchStrings( StringSearchee& ioSearchee ) const override;
-    void UpdateToDefaultValues( bool inFlag ) override;
+    void UpdateToDefaultValues( bool inFlag ) override { mCollections.UpdateToDefaultValues( inFlag ); }
+
+    [[nodiscard]] Text GetDescriptionBeforeClauses() const override;
+    [[nodiscard]] std::vector<Text> GetClauses() const override { return mCollections.GetClauses(); }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
@@ -91,7 +93,7 @@ public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
 
 protected:
-    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+    [[nodiscard]] Text DescriptionWith( const Text& inConditions ) const override;
 };
 
 class APauseUntil final : public HActionOf<APauseUntil, HActionType::kPauseUntil, HConditionalAction<HBaseAction>>
@@ -100,7 +102,7 @@ public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
 
 protected:
-    [[nodiscard]] Text InternalGetActionDescriptionString() const override;
+    [[nodiscard]] Text DescriptionWith( const Text& inConditions ) const override;
 };
 
 enum class CancelAction {

@@ -83,7 +83,7 @@ std::unique_ptr<HCaseEntry> HCaseEntry::CreateFromCaseEntryXML( TextView inText 
                  inText.empty() ? nullptr : kvr_fromXMLString( inText, kActionsPlistLimits ) )
             return std::make_unique<HCaseEntry>( value );
     }
-    catch ( const XException& )
+    catch ( const std::exception& )
     {
         // An entry never fails to appear.
     }

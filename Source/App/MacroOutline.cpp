@@ -2,6 +2,7 @@
 
 #include "Actions/HActionList.h"
 #include "Actions/HBaseAction.h"
+#include "Actions/HClausesInDescription.h"
 #include "App/MacrosFile.h"
 #include "Macros/MMacro.h"
 #include "Utility/Text/KeystrokeText.h"
@@ -33,13 +34,26 @@ std::string OneLine( const Text& inText )
     return UTF8FromText( line );
 }
 
+// What the action does. Several conditions or collections would be too much for a line, and are lines of their own; but
+// a title of the user's stands for all of it.
+void PrintDescription( const HBaseAction& inAction, std::size_t inLevel, Output& ioOutput )
+{
+    const auto* const described =
+        IsEmpty( inAction.GetActionName() ) ? dynamic_cast<const HClausesInDescription*>( &inAction ) : nullptr;
+    const std::vector<Text> clauses = described ? described->GetClauses() : std::vector<Text>();
+    ioOutput.Text( clauses.empty() ? OneLine( inAction.GetActionDescriptionString() )
+                                   : OneLine( described->GetDescriptionBeforeClauses() ) + ":" );
+    ioOutput.Line( inAction.IsActive() ? "" : " (disabled)", Colour::kYellow );
+    for ( const Text& clause : clauses )
+        ioOutput.Line( Indent( inLevel + 1 ) + "- " + OneLine( clause ) );
+}
+
 void PrintActions( const HActionList& inActions, std::size_t inLevel, Output& ioOutput )
 {
     std::size_t number = 0;
     inActions.DoForEveryAction( [&]( const HBaseAction& action ) {
         ioOutput.Text( Indent( inLevel ) + fmt::format( "{}. ", ++number ), Colour::kCyan );
-        ioOutput.Text( OneLine( action.GetActionDescriptionString() ) );
-        ioOutput.Line( action.IsActive() ? "" : " (disabled)", Colour::kYellow );
+        PrintDescription( action, inLevel, ioOutput );
         action.DoForEverySubActionList( [&]( const HActionList::Words& makeWords, const HActionList& list ) {
             const Text words = makeWords();
             if ( not words.empty() )

@@ -1,27 +1,31 @@
 #include "Collections/CCollectionList.h"
 
+#include "Actions/HFieldVisitors.h"
 #include "Macros/MLoadObserver.h"
+#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
 #include "XCAF/XIcon.h"
 
-namespace
+void CCollectionList::DescribeIn( HFieldVisitor& inVisitor )
 {
-// Why a collection is left out, for people.
-Text ReasonFor( const __SafeCFPropertyList& inCollection, const XException& inError )
-{
-    const XPlistDictionary* dictionary = inCollection.AsDictionary();
-    if ( not dictionary )
-        return inError.GetMessage();
-    XText type;
-    if ( not dictionary->Get( CFSTR( "CollectionType" ), type ) )
-        return u"its key “CollectionType” is missing or no text";
-    return kvr_format( u"no collection type is called “%@”", type );
+    constexpr HFieldKey kCollections = "Collections";
+    if ( StringSearchee* searchee = inVisitor.Searchee() )
+    {
+        AddMatchStrings( *searchee );
+        return;
+    }
+    __SafeCFPropertyList value = inVisitor.IsReading() ? nullptr : __SafeCFPropertyList( CopyToPropertyList() );
+    inVisitor.Value( kCollections, value, { .mRequiredAs = "collections" } );
+    if ( not inVisitor.IsReading() )
+        return;
+    LoadFromPropertyList( value );
+    if ( not value.AsDictionary() )
+        inVisitor.NoteRepair( kCollections, u"isn't a dictionary; no collections stand" );
 }
-} // namespace
 
-__SafeCFPropertyList CCollectionList::CopyToPropertyList() const
+CFContainer<XPlistDictionary> CCollectionList::CopyToPropertyList() const
 {
     XMutableArray collections;
     for ( const auto& collection : mCollections )
@@ -34,20 +38,31 @@ __SafeCFPropertyList CCollectionList::CopyToPropertyList() const
 void CCollectionList::LoadFromPropertyList( const __SafeCFPropertyList& inValue )
 {
     mCollections.clear();
-    CFContainer<XPlistArray> list;
-    const XPlistDictionary* dictionary = inValue.AsDictionary();
-    if ( not dictionary or not dictionary->Get( CFSTR( "CollectionList" ), list ) )
+    const XPlistDictionary* const dictionary = inValue.AsDictionary();
+    if ( not dictionary )
         return;
-    for ( std::size_t i = 0; i < list->GetCount(); ++i )
+    HReadingVisitor visitor( *dictionary );
+    __SafeCFPropertyList collections;
+    visitor.Value( "CollectionList", collections, {} );
+    if ( const XPlistArray* array = collections.AsArray() )
+        LoadCollections( *array );
+    else if ( collections )
+        visitor.NoteRepair( "CollectionList", u"isn't an array; no collections stand" );
+}
+
+void CCollectionList::LoadCollections( const XPlistArray& inCollections )
+{
+    mCollections.reserve( inCollections.GetCount() );
+    for ( std::size_t i = 0; i < inCollections.GetCount(); ++i )
     {
         try
         {
-            AppendCollection( CBaseCollection::CreateFromPropertyList( list->GetValueAt( i ) ) );
+            mCollections.emplace_back( CBaseCollection::CreateFromPropertyList( inCollections.GetValueAt( i ) ) );
         }
         catch ( const XException& error )
         {
             if ( MLoadObserver* observer = MLoadObserver::Current() )
-                observer->DidDrop( *list, i, ReasonFor( list->GetValueAt( i ), error ) );
+                observer->DidDrop( inCollections, i, error.GetMessage() );
         }
     }
 }
@@ -103,9 +118,11 @@ Text CCollectionList::GetDescription() const
 {
     Text description;
     for ( const auto& collection : mCollections )
-        description = description.empty()
-            ? collection->GetDescription()
-            : kvr_localizedFormat( u"clAndFormat", TextView( description ), TextView( collection->GetDescription() ) );
+    {
+        if ( not description.empty() )
+            description += kvr_localized( u"clCollectionListSeparator" );
+        description += collection->GetDescription();
+    }
     return description;
 }
 
@@ -113,4 +130,15 @@ void CCollectionList::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     for ( const auto& collection : mCollections )
         collection->AddMatchStrings( ioSearchee );
+}
+
+std::vector<Text> CCollectionList::GetClauses() const
+{
+    std::vector<Text> clauses;
+    if ( GetCount() > 1 )
+    {
+        for ( const auto& collection : mCollections )
+            clauses.push_back( collection->GetDescription() );
+    }
+    return clauses;
 }

@@ -10,8 +10,10 @@
 class CCollectionList
 {
 public:
+    /// As a required field of its holder, under "Collections". What a search can find is that of each collection.
+    void DescribeIn( HFieldVisitor& inVisitor );
     /// A dictionary with the one key "CollectionList".
-    [[nodiscard]] __SafeCFPropertyList CopyToPropertyList() const;
+    [[nodiscard]] CFContainer<XPlistDictionary> CopyToPropertyList() const;
     /// Replaces the list. A collection that can't be understood is left out, silently but for the load observer; a
     /// value that is no such dictionary gives an empty list.
     void LoadFromPropertyList( const __SafeCFPropertyList& inValue );
@@ -28,10 +30,15 @@ public:
     void UpdateToDefaultValues( bool inForce );
     /// What an editor shows: a dictionary of "description" and "icon" (its saved form) for each collection.
     [[nodiscard]] CFContainer<XPlistArray> GetCollectionDisplayContent() const;
-    /// The descriptions as one clause: "The Numbers from 1 to 10 and The Variables".
+    /// The collections in words, to stand behind "in": "The Numbers from 1 to 10, Then The Running Applications". ""
+    /// without any.
     [[nodiscard]] Text GetDescription() const;
+    /// The description of each collection; none unless there are several.
+    [[nodiscard]] std::vector<Text> GetClauses() const;
     void AddMatchStrings( StringSearchee& ioSearchee ) const;
 
 private:
+    void LoadCollections( const XPlistArray& inCollections );
+
     std::vector<ClonePtr<CBaseCollection>> mCollections; // none is null
 };

@@ -157,3 +157,14 @@ Text CConditionList::GetDescription() const
         TextView( GetCount() == 1 ? kvr_localized( u"cConditionListNotTitle" ) : GetConditionDisplayText() ),
         TextView( conditions ) );
 }
+
+std::vector<Text> CConditionList::GetClauses() const
+{
+    std::vector<Text> clauses;
+    if ( GetCount() > 1 )
+    {
+        for ( const auto& condition : mConditions )
+            clauses.push_back( condition->GetDescription() );
+    }
+    return clauses;
+}

@@ -47,6 +47,8 @@ public:
     /// The conditions in words, to stand behind "If" or "While": the only one itself, or the title of the match
     /// mode and each of them. "" without any.
     [[nodiscard]] Text GetDescription() const;
+    /// The description of each condition; none unless there are several.
+    [[nodiscard]] std::vector<Text> GetClauses() const;
 
     // Handed on to each condition, in order.
     void UpdateToDefaultValues( bool inForce );

@@ -60,6 +60,8 @@ Text ReasonForPeople( const __SafeCFPropertyList& inElement, TextView inListKey,
     };
     if ( inReason == u"good" and inListKey == u"ConditionList" )
         return unknown( CFSTR( "ConditionType" ), u"no condition type is called “%@”" );
+    if ( inReason == u"good" and inListKey == u"CollectionList" )
+        return unknown( CFSTR( "CollectionType" ), u"no collection type is called “%@”" );
     if ( inReason == u"good" or inReason == u"action" )
         return unknown( CFSTR( "MacroActionType" ), u"no action type is called “%@”" );
     if ( inReason == u"false" )
@@ -87,7 +89,8 @@ Text ElementName( TextView inListKey, std::size_t inIndex )
         TextView mKey, mName;
     } kLists[] = { { u"MacroGroups", u"group" }, { u"Items", u"group" }, { u"Macros", u"macro" },
         { u"Triggers", u"trigger" }, { u"Actions", u"action" }, { u"ThenActions", u"then action" },
-        { u"ElseActions", u"else action" }, { u"CaseEntries", u"case" }, { u"ConditionList", u"condition" } };
+        { u"ElseActions", u"else action" }, { u"CaseEntries", u"case" }, { u"ConditionList", u"condition" },
+        { u"CollectionList", u"collection" } };
     for ( const auto& [key, name] : kLists )
     {
         if ( key == inListKey )

@@ -105,9 +105,17 @@ TEST( CCollectionList, AForActionTellsAndIsFoundByItsCollections )
         "For Each Value of “i” in The Numbers from 1 to 10, Then The Keys of JSON “[zebra]”" );
     StringSearchee searchee;
     action->AddMatchStrings( searchee );
-    const auto elements = searchee.GetElements();
-    EXPECT_TRUE(
-        std::any_of( elements.begin(), elements.end(), []( const auto& e ) { return e.mText == u"[zebra]"; } ) );
+    const auto count = [&searchee]( TextView text ) {
+        return std::ranges::count( searchee.GetElements(), text, &StringSearchee::Element::mText );
+    };
+    EXPECT_EQ( count( u"[zebra]" ), 1 );
+    EXPECT_EQ( count( u"i" ), 1 );
+}
+
+TEST( CCollectionList, AForActionWithoutCollectionsSaysThatItDoesNothing )
+{
+    EXPECT_EQ( UTF8FromText( HBaseAction::CreateActionOfType( HActionType::kFor )->GetActionDescriptionString() ),
+        "For Each With No Collections Will Do Nothing" );
 }
 
 TEST( CCollectionList, CollectionsOfAWrongTypeKeepTheForAction )
@@ -135,7 +143,10 @@ TEST( CCollectionList, TheLoadObserverHearsOfLossesAndOlderForms )
         {
             mHeard += kvr_format( "upgrade %@;", inKey.Name() );
         }
-        void DidRepair( const XPlistDictionary&, const XKey&, TextView ) override {}
+        void DidRepair( const XPlistDictionary&, const XKey& inKey, TextView ) override
+        {
+            mHeard += kvr_format( "repair %@;", inKey.Name() );
+        }
         void DidReadUID( const XPlistDictionary&, const XText&, const XText& ) override {}
 
         Text mHeard;
@@ -146,6 +157,11 @@ TEST( CCollectionList, TheLoadObserverHearsOfLossesAndOlderForms )
         Collection( u"Files", { { "Recursive", Bool( true ) } } ),
         Dict( { { "CollectionType2", Str( u"JSON" ) } } ) } ) );
     EXPECT_EQ( UTF8FromText( observer.mHeard ),
-        "drop 0 no collection type is called “Future”;upgrade CollectionType;Recursive for SortOrder;CollectionType2 "
-        "for CollectionType;" );
+        "drop 0 good;upgrade CollectionType;Recursive for SortOrder;CollectionType2 for CollectionType;" );
+
+    observer.mHeard.clear();
+    for ( const auto& wrong :
+        { __SafeCFPropertyList::Integer( 1 ), Dict( { { "CollectionList", __SafeCFPropertyList::Integer( 1 ) } } ) } )
+        static_cast<void>( Reloaded( ActionDict( u"For", { { "Collections", wrong } } ) ) );
+    EXPECT_EQ( UTF8FromText( observer.mHeard ), "repair Collections;repair CollectionList;" );
 }

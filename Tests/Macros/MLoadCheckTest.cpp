@@ -168,6 +168,13 @@ TEST_F( LoadCheck, ReasonsAreWordsForPeople )
                     Dict( { { "ConditionListMatch", Str( u"All" ) },
                         { "ConditionList", Array( { Dict( { { "ConditionType", Str( u"Odd" ) } } ) } ) } } ) } } ),
             u"no condition type is called “Odd”" },
+        { { "MacroGroups", 1u, "Macros", 0u, "Actions", 0u },
+            ActionDict( u"For",
+                { { "Actions", Array( {} ) }, { "TimeOutAbortsMacro", Bool( true ) }, { "Variable", Str( u"i" ) },
+                    { "Collections",
+                        Dict( { { "CollectionList",
+                            Array( { Dict( { { "CollectionType", Str( u"Odd" ) } } ) } ) } } ) } } ),
+            u"no collection type is called “Odd”" },
         { { "MacroGroups", 1u, "Macros", 0u, "Actions", 0u, "MacroUID" }, nullptr,
             u"its key “MacroUID” is missing or of the wrong type" },
     };
