@@ -38,6 +38,7 @@ class HConditionalAction : public Base, public HClausesInDescription
 {
 public:
     void UpdateToDefaultValues( bool inFlag ) override { mConditions.UpdateToDefaultValues( inFlag ); }
+    void UpdateForPasteOrAdd() override { mConditions.UpdateForPasteOrAdd(); }
     [[nodiscard]] CConditionList& GetConditions() { return mConditions; }
 
     [[nodiscard]] Text GetDescriptionBeforeClauses() const override

@@ -34,7 +34,7 @@ class ATriggerByName final : public HActionOf<ATriggerByName, HActionType::kTrig
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    [[nodiscard]] MacrosAllowed& GetMacrosAllowed() { return mAllowed; }
+    void UpdateForPasteOrAdd() override { mAllowed.UpdateForPasteOrAdd(); }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

@@ -9,6 +9,7 @@ class AShowPaletteOfMacros final : public HActionOf<AShowPaletteOfMacros, HActio
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    void UpdateForPasteOrAdd() override { mMacros.UpdateForPasteOrAdd(); }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

@@ -30,6 +30,8 @@ public:
     [[nodiscard]] virtual ConditionType GetConditionType() const = 0;
     /// Refreshes what refers to other objects, such as a named clipboard.
     virtual void UpdateToDefaultValues( bool ) {}
+    /// The action that the condition decides was pasted or added: references follow the mapping of the insertion.
+    virtual void UpdateForPasteOrAdd() {}
     /// What the editor of the condition is headed with: what the type tests.
     [[nodiscard]] virtual Text GetConditionEditorDescription() const;
     [[nodiscard]] virtual Text GetConditionTypeDescription() const;
@@ -62,8 +64,8 @@ public:
     /// By type, -1 or 1, then by CompareWithSame.
     [[nodiscard]] int CompareWith( const CBaseCondition& inOther ) const;
 
-    /// The catalogue of conditions for those who write the help: "Conditions.txt" in the folder, one line for each
-    /// type with page, title, what it tests, and a new one's description, between tabs. False when it can't be written.
+    /// The catalogue of conditions for those who write the help: "Conditions.txt" in the folder, in the form that
+    /// Actions/WikiHelpData.h tells. False when it can't be written.
     static bool WriteWikiHelpData( const std::filesystem::path& inFolder );
 
 protected:

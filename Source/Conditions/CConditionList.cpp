@@ -121,6 +121,12 @@ void CConditionList::UpdateToDefaultValues( bool inForce )
         condition->UpdateToDefaultValues( inForce );
 }
 
+void CConditionList::UpdateForPasteOrAdd()
+{
+    for ( const auto& condition : mConditions )
+        condition->UpdateForPasteOrAdd();
+}
+
 void CConditionList::AddMatchStrings( StringSearchee& ioSearchee ) const
 {
     for ( const auto& condition : mConditions )

@@ -52,6 +52,7 @@ public:
 
     // Handed on to each condition, in order.
     void UpdateToDefaultValues( bool inForce );
+    void UpdateForPasteOrAdd();
     void AddMatchStrings( StringSearchee& ioSearchee ) const;
 
 private:

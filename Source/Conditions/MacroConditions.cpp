@@ -1,7 +1,7 @@
 #include "Conditions/MacroConditions.h"
 
 #include "Actions/DescriptionText.h"
-#include "Macros/MMacroSerializedObject.h"
+#include "Macros/MMacroInsertion.h"
 #include "Utility/Text/Localization.h"
 
 void CMacroCondition::DescribeFields( HFieldVisitor& inVisitor )
@@ -10,11 +10,15 @@ void CMacroCondition::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Name( "MacroConditionType", mType );
 }
 
+void CMacroCondition::UpdateForPasteOrAdd()
+{
+    mMacroUID = MMacroInsertion::GetMapping( mMacroUID );
+}
+
 Text CMacroCondition::GetDescription() const
 {
-    const MMacroSerializedObject* macro = MMacroSerializedObject::FindObjectByUID( mMacroUID );
-    const Text name = macro ? macro->GetUnambiguousName() : MMacroSerializedObject::GetUnknownUnambiguousName();
-    return kvr_localizedFormat( kvr_format( "kvConditionMacro%@Format", StoredName( mType ) ), TextView( name ) );
+    return kvr_localizedFormat(
+        kvr_format( "kvConditionMacro%@Format", StoredName( mType ) ), TextView( kvr_macroName( mMacroUID ) ) );
 }
 
 void CActionResultCondition::DescribeFields( HFieldVisitor& inVisitor )

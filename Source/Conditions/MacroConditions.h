@@ -16,6 +16,7 @@ class CMacroCondition final : public CConditionOf<CMacroCondition, ConditionType
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    void UpdateForPasteOrAdd() override;
     [[nodiscard]] Text GetDescription() const override;
 
 private:

@@ -1,6 +1,7 @@
 #include "Macros/MacrosAllowed.h"
 
 #include "Actions/HFieldVisitors.h"
+#include "Macros/MMacroInsertion.h"
 #include "Macros/MMacroSerializedObject.h"
 #include "Macros/StoredNames.h"
 #include "Macros/XTextHash.h"
@@ -52,6 +53,12 @@ void MacrosAllowed::SaveToDictionary(
 {
     HSavingVisitor visitor( ioDictionary ); // writes to no member
     const_cast<MacrosAllowed*>( this )->DescribeFields( visitor, HFieldKey( inTypeKey ), HFieldKey( inUIDsKey ) );
+}
+
+void MacrosAllowed::UpdateForPasteOrAdd()
+{
+    for ( XText& uid : mUIDs )
+        uid = MMacroInsertion::GetMapping( uid );
 }
 
 void MacrosAllowed::AddMatchStrings( StringSearchee& ioSearchee ) const

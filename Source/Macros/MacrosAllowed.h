@@ -30,6 +30,8 @@ public:
     void LoadFromDictionary( const XPlistDictionary& inDictionary, const XKey& inTypeKey, const XKey& inUIDsKey );
     /// The type unless Normal; the array unless empty, each UID once, first occurrences in order.
     void SaveToDictionary( XMutableDictionary& ioDictionary, const XKey& inTypeKey, const XKey& inUIDsKey ) const;
+    /// The action was pasted or added: the UIDs follow the mapping of the insertion.
+    void UpdateForPasteOrAdd();
     /// Each UID, and the name of the object where there is one.
     void AddMatchStrings( StringSearchee& ioSearchee ) const;
 

@@ -263,6 +263,29 @@ TEST_F( MacroInsertion, MappingsGoBothWaysUntilRemovedOrFinished )
             "MMacroInsertion RemoveMapping UID mapping from old to new", "Finish insertion and ignore UIDs" ) );
 }
 
+TEST_F( MacroInsertion, WhateverHoldsUIDsFollowsTheMapping )
+{
+    const auto holders = []( TextView uid ) {
+        const auto conditions = Dict( { { "ConditionListMatch", Str( u"All" ) },
+            { "ConditionList",
+                Array( { Dict( { { "ConditionType", Str( u"Macro" ) }, { "MacroUID", Str( uid ) },
+                    { "MacroConditionType", Str( u"IsEnabled" ) } } ) } ) } } );
+        const auto macros = Array( { Str( uid ), Str( u"other" ) } );
+        XMutableArray actions;
+        for ( const TextView type : { u"Assert", u"IfThenElse", u"PauseUntil", u"Until", u"While" } )
+            actions.Append( Reloaded( ActionDict( type, { { "Conditions", conditions } } ) ) );
+        for ( const TextView type : { u"ShowPaletteOfMacros", u"TriggerByName" } )
+            actions.Append( Reloaded( ActionDict( type, { { "Macros", macros } } ) ) );
+        return __SafeCFPropertyList( actions.Seal() );
+    };
+    HActionList list;
+    list.LoadActionsFromPropertyList( holders( u"old" ) );
+    const InsertionScope insertion;
+    MMacroInsertion::AddMapping( u"old", u"new" );
+    MMacroInsertion::Finish( list );
+    EXPECT_EQ( Shown( list.CopyActionsToPropertyList() ), Shown( holders( u"new" ) ) );
+}
+
 TEST_F( MacroInsertion, FinishingMacrosSetsTimesAndLetsReferencesFollowOnceEach )
 {
     MMacroInsertion::Start();
