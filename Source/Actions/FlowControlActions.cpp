@@ -23,23 +23,6 @@ Text ConditionalDescription( const Text& inConditions, TextView inEmptyKey, Text
 }
 } // namespace
 
-// What containers share
-
-bool HOneListAction::IsEmptyOfActions() const
-{
-    return mActions.GetList().Empty();
-}
-
-void HOneListAction::DoForEverySubActionList( const HActionList::ListBlock& inBlock ) const
-{
-    inBlock( [] { return Text(); }, mActions.GetList() );
-}
-
-void HOneListAction::DescribeActions( HFieldVisitor& inVisitor )
-{
-    inVisitor.Actions( "Actions", "ActionListDisclosed", mActions );
-}
-
 // If Then Else
 
 void AIfThenElse::DescribeFields( HFieldVisitor& inVisitor )

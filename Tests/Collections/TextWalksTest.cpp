@@ -213,6 +213,7 @@ TEST( SubstringsIn, SearchingRepetitiveTextsIsLinear )
         search.front() = u'a';
         EXPECT_EQ( Found( text, text.substr( 0, 1000 ), match, Result::kPosition ).size(), 2000u );
     }
+    EXPECT_EQ( Found( text.substr( 0, 200'000 ), u"a", Match::kMatch, Result::kString ).size(), 200'000u );
 }
 
 TEST( SubstringsIn, NullTextsAreAssertedAndEmpty )
