@@ -73,6 +73,7 @@ struct HNameOptions
 struct HValueOptions
 {
     const char* mRequiredAs = nullptr;
+    bool mIsSearched = false; ///< the texts within it, however they are nested, are found by a search
     XWrite mWrite = XWrite::kWhenSet;
 };
 

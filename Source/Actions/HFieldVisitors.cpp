@@ -402,6 +402,30 @@ void HCollectingVisitor::Variable( HFieldKey, XText& ioValue )
     mSearchee.Add( ioValue );
 }
 
+// Not by recursion: the value may be nested as deep as files are.
+void HCollectingVisitor::Value( HFieldKey, __SafeCFPropertyList& ioValue, const HValueOptions& inOptions )
+{
+    std::vector<const XPlistNode*> waiting;
+    if ( inOptions.mIsSearched and ioValue )
+        waiting.push_back( ioValue.GetNode() );
+    while ( not waiting.empty() )
+    {
+        const __SafeCFPropertyList value( waiting.back() );
+        waiting.pop_back();
+        if ( const XPlistString* text = value.AsString() )
+            mSearchee.Add( text->GetText() );
+        // Turned about, for the last one that waits is the next to be looked at.
+        else if ( const XPlistArray* array = value.AsArray() )
+            waiting.insert( waiting.end(), array->Nodes().rbegin(), array->Nodes().rend() );
+        else if ( const XPlistDictionary* dictionary = value.AsDictionary() )
+        {
+            const auto entries = dictionary->GetEntries();
+            for ( auto entry = entries.rbegin(); entry != entries.rend(); ++entry )
+                waiting.push_back( entry->mValue );
+        }
+    }
+}
+
 Text kvr_shortestNumber( double inNumber )
 {
     if ( not std::isfinite( inNumber ) )

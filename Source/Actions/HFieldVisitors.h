@@ -100,8 +100,8 @@ private:
     std::vector<Taken> mValues;
 };
 
-/// Offers the texts of an object to a search: those of texts, calculations and variables; and what other
-/// parts add to Searchee() themselves.
+/// Offers the texts of an object to a search: those of texts, calculations, variables and searched values; and what
+/// other parts add to Searchee() themselves.
 class HCollectingVisitor final : public HFieldVisitor
 {
 public:
@@ -115,7 +115,7 @@ public:
     void Calculation( HFieldKey inKey, XText& ioValue, const HTextOptions& inOptions ) override;
     void Variable( HFieldKey inKey, XText& ioValue ) override;
     void Data( HFieldKey, CFContainer<XPlistData>&, const HValueOptions& ) override {}
-    void Value( HFieldKey, __SafeCFPropertyList&, const HValueOptions& ) override {}
+    void Value( HFieldKey inKey, __SafeCFPropertyList& ioValue, const HValueOptions& inOptions ) override;
     void Actions( HFieldKey, HFieldKey, HActions& ) override {} // found as sub-actions
 
     [[nodiscard]] StringSearchee* Searchee() override { return &mSearchee; }

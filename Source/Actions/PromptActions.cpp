@@ -1,39 +1,8 @@
 #include "Actions/PromptActions.h"
 
 #include "Actions/DescriptionText.h"
-#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Work/Random.h"
-
-#include <vector>
-
-namespace
-{
-// The texts of a value that is kept as it stands, in its order. Not by recursion: the value may be nested
-// as deep as files are.
-void AddTexts( StringSearchee& ioSearchee, const __SafeCFPropertyList& inValue )
-{
-    std::vector<const XPlistNode*> waiting;
-    if ( inValue )
-        waiting.push_back( inValue.GetNode() );
-    while ( not waiting.empty() )
-    {
-        const __SafeCFPropertyList value( waiting.back() );
-        waiting.pop_back();
-        if ( const XPlistString* text = value.AsString() )
-            ioSearchee.Add( text->GetText() );
-        // Turned about, for the last one that waits is the next to be looked at.
-        else if ( const XPlistArray* array = value.AsArray() )
-            waiting.insert( waiting.end(), array->Nodes().rbegin(), array->Nodes().rend() );
-        else if ( const XPlistDictionary* dictionary = value.AsDictionary() )
-        {
-            const auto entries = dictionary->GetEntries();
-            for ( auto entry = entries.rbegin(); entry != entries.rend(); ++entry )
-                waiting.push_back( entry->mValue );
-        }
-    }
-}
-} // namespace
 
 // Prompt with List
 
@@ -83,13 +52,8 @@ void APromptForUserInput::DescribeFields( HFieldVisitor& inVisitor )
 {
     inVisitor.Text( "Title", mTitle );
     inVisitor.Text( "Prompt", mPrompt );
-    inVisitor.Value( "Variables", mVariables );
-    inVisitor.Value( "Buttons", mButtons );
-    if ( StringSearchee* searchee = inVisitor.Searchee() )
-    {
-        AddTexts( *searchee, mVariables );
-        AddTexts( *searchee, mButtons );
-    }
+    inVisitor.Value( "Variables", mVariables, { .mIsSearched = true } );
+    inVisitor.Value( "Buttons", mButtons, { .mIsSearched = true } );
 }
 
 Text APromptForUserInput::GetActionExtraHTML() const
@@ -149,5 +113,7 @@ Text ACustomPrompt::InternalGetActionDescriptionString() const
 {
     if ( mUseText )
         return kvr_localizedFormat( u"kvCustomPromptTextDescriptionFormat", TextView( kvr_excerpt( mText ) ) );
+    if ( mPath.IsEmpty() )
+        return GetActionTitle();
     return kvr_localizedFormat( u"kvCustomPromptFileDescriptionFormat", TextView( kvr_fileName( mPath ) ) );
 }

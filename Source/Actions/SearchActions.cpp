@@ -2,34 +2,7 @@
 
 #include "Actions/DescriptionText.h"
 #include "Actions/LegacyUpgrade.h"
-#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
-
-namespace
-{
-// Adds each text of a stored value, however it is nested: where captures go is something that people look for.
-void AddTextsOf( const __SafeCFPropertyList& inValue, StringSearchee& ioSearchee )
-{
-    std::vector<__SafeCFPropertyList> values = { inValue };
-    while ( not values.empty() )
-    {
-        const __SafeCFPropertyList value = std::move( values.back() );
-        values.pop_back();
-        if ( const XPlistString* text = value.AsString() )
-            ioSearchee.Add( text->GetText() );
-        else if ( const XPlistArray* array = value.AsArray() )
-        {
-            for ( const XPlistNode* node : array->Nodes() )
-                values.emplace_back( node );
-        }
-        else if ( const XPlistDictionary* dictionary = value.AsDictionary() )
-        {
-            for ( const auto& entry : dictionary->GetEntries() )
-                values.emplace_back( entry.mValue );
-        }
-    }
-}
-} // namespace
 
 void SearchRegExFields::DescribeAction( HFieldVisitor& inVisitor )
 {
@@ -39,9 +12,7 @@ void SearchRegExFields::DescribeAction( HFieldVisitor& inVisitor )
 void SearchRegExFields::DescribeSearch( HFieldVisitor& inVisitor )
 {
     inVisitor.Text( "Search", mSearch );
-    inVisitor.Value( "Captures", mCaptures );
-    if ( StringSearchee* searchee = inVisitor.Searchee() )
-        AddTextsOf( mCaptures, *searchee );
+    inVisitor.Value( "Captures", mCaptures, { .mIsSearched = true } );
 }
 
 void SearchReplaceFields::DescribeAction( HFieldVisitor& inVisitor )
