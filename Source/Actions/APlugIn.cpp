@@ -3,7 +3,6 @@
 #include "Actions/HFieldVisitors.h"
 #include "Actions/PlugInFolder.h"
 #include "Defines/KVVariables.h"
-#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Text/StringHelpers.h"
 #include "XCAF/XErrorHandler.h"
@@ -39,11 +38,17 @@ XText StringOf( const __SafeCFPropertyList& inValue )
     return inValue.AsString() ? XText( CFContainer<XPlistString>::Share( inValue.AsString() ) ) : XText();
 }
 
+std::optional<double> NumberOf( const __SafeCFPropertyList& inValue )
+{
+    return inValue.AsNumber() ? std::optional( inValue.AsNumber()->AsReal() ) : std::nullopt;
+}
+
 std::optional<std::size_t> IndexOf( std::span<const TextView> inNames, TextView inName )
 {
     const auto found = std::find( inNames.begin(), inNames.end(), inName );
     return found == inNames.end() ? std::nullopt : std::optional( std::size_t( found - inNames.begin() ) );
 }
+
 // Each line end as the one unit that tool tips are broken at.
 Text WithReturns( TextView inText )
 {
@@ -79,17 +84,12 @@ void APlugIn::DescribeParameters( HFieldVisitor& inVisitor )
     __SafeCFPropertyList value;
     if ( not inVisitor.IsReading() )
         value = mParameters;
-    inVisitor.Value( "PlugInParameters", value, { .mWrite = XWrite::kAlways } );
+    inVisitor.Value( "PlugInParameters", value, { .mIsSearched = true, .mWrite = XWrite::kAlways } );
     if ( inVisitor.IsReading() )
     {
         const XPlistDictionary* params = value.AsDictionary();
         XThrowIfNot( params );
         mParameters = CFContainer<XPlistDictionary>::Share( params );
-    }
-    if ( StringSearchee* searchee = inVisitor.Searchee() )
-    {
-        for ( const XPlistDictionary::Entry& entry : mParameters->GetEntries() )
-            searchee->Add( StringOf( __SafeCFPropertyList( entry.mValue ) ) );
     }
 }
 
@@ -153,9 +153,14 @@ void APlugIn::SetParameterValue( const XText& inLabel, const XText& inValue )
 
 double APlugIn::DefaultTimeOutPeriod() const
 {
-    const auto timeOut = GetInformationKeyedNumber( CFSTR( "Timeout" ) );
-    const auto olderTimeOut = timeOut ? timeOut : GetInformationKeyedNumber( CFSTR( "Time Out" ) );
-    return olderTimeOut.value_or( RowOf( HActionType::kPlugIn ).mTimeOut );
+    // One look, for each at a plug-in that is gone reads the disk and logs.
+    const CFContainer<XPlistDictionary> information = Information();
+    for ( const XKey& key : { CFSTR( "Timeout" ), CFSTR( "Time Out" ) } )
+    {
+        if ( const std::optional<double> period = NumberOf( ValueOf( information, key ) ) )
+            return *period;
+    }
+    return RowOf( HActionType::kPlugIn ).mTimeOut;
 }
 
 bool APlugIn::HasTimeOut() const
@@ -224,8 +229,7 @@ XText APlugIn::GetInformationKeyedString( const XKey& inKey ) const
 
 std::optional<double> APlugIn::GetInformationKeyedNumber( const XKey& inKey ) const
 {
-    const __SafeCFPropertyList value = ValueOf( Information(), inKey );
-    return value.AsNumber() ? std::optional( value.AsNumber()->AsReal() ) : std::nullopt;
+    return NumberOf( ValueOf( Information(), inKey ) );
 }
 
 std::optional<std::filesystem::path> APlugIn::GetInformationKeyedFile( const XKey& inKey ) const

@@ -20,26 +20,36 @@ constexpr std::size_t kMostInformationBytes = std::size_t( 4 ) << 20;
 class Cache
 {
 public:
-    [[nodiscard]] CFContainer<XPlistDictionary> Find( const Text& inName )
+    struct Found
+    {
+        CFContainer<XPlistDictionary> mInformation; // null: not here
+        std::uint64_t mClearings;                   // how often the cache was cleared by then
+    };
+
+    [[nodiscard]] Found Find( const Text& inName )
     {
         const std::lock_guard lock( mMutex );
         const auto found = mInformation.find( inName );
-        return found == mInformation.end() ? nullptr : found->second;
+        return { found == mInformation.end() ? nullptr : found->second, mClearings };
     }
-    void Insert( const Text& inName, const CFContainer<XPlistDictionary>& inInformation )
+    /// Nothing if the cache was cleared since the search: what was read before it may be out of date.
+    void Insert( const Text& inName, const CFContainer<XPlistDictionary>& inInformation, std::uint64_t inClearings )
     {
         const std::lock_guard lock( mMutex );
-        mInformation.insert_or_assign( inName, inInformation );
+        if ( inClearings == mClearings )
+            mInformation.insert_or_assign( inName, inInformation );
     }
     void Clear()
     {
         const std::lock_guard lock( mMutex );
         mInformation.clear();
+        ++mClearings;
     }
 
 private:
     std::mutex mMutex;
     std::map<Text, CFContainer<XPlistDictionary>> mInformation; // none is null
+    std::uint64_t mClearings = 0;
 };
 
 Cache& gCache()
@@ -80,12 +90,13 @@ bool IsName( TextView inText )
 CFContainer<XPlistDictionary> PlugInFolder::InformationForFolderName( const XText& inName )
 {
     const Text name = inName.GetText();
-    if ( auto information = gCache().Find( name ) )
-        return information;
+    const Cache::Found found = gCache().Find( name );
+    if ( found.mInformation )
+        return found.mInformation;
     // Read outside of the lock: nobody waits for somebody else's disk.
     auto information = ReadInformation( inName );
     if ( information )
-        gCache().Insert( name, information );
+        gCache().Insert( name, information, found.mClearings );
     else
         XErrorHandler::PrivateMaybeLogFormat( "always", "Invalid Plug In Action with Name %@", name );
     return information;

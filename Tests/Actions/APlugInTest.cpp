@@ -180,7 +180,11 @@ TEST_F( PlugIns, DeclareTheirTimeOutAndNoneWithZero )
         EXPECT_EQ( action.HasTimeOut(), row.mHas );
         EXPECT_EQ( bool( At( Saved( action ), "TimeOutAbortsMacro" ) ), row.mHas );
     }
-    EXPECT_EQ( APlugIn( u"gone" ).DefaultTimeOutPeriod(), 356400 );
+    const APlugIn gone( u"gone" );
+    static_cast<void>( mLog.Take() );
+    EXPECT_EQ( gone.DefaultTimeOutPeriod(), 356400 );
+    EXPECT_EQ( mLog.CountContaining( "Invalid Plug In Action with Name gone" ), 1u )
+        << "each line is a read of the disk";
 }
 
 TEST_F( PlugIns, WhatAnEntryCantSayIsLoggedAndReadsAsNothing )
