@@ -29,9 +29,8 @@ void AClipboardSwitcherMacroAction::UpdateToDefaultValues( bool inFlag )
 
 Text AClipboardSwitcherMacroAction::InternalGetActionDescriptionString() const
 {
-    return kvr_localizedFormat(
-        kvr_format( "kvClipboardSwitcherMacroAction%@DescriptionFormat", StoredName( mAction ) ),
-        TextView( mClipboard.GetClipboardName().GetText() ) );
+    return kvr_commandDescription(
+        u"kvClipboardSwitcherMacroAction", StoredName( mAction ), mClipboard.GetClipboardName() );
 }
 
 // Setting a clipboard
@@ -98,6 +97,8 @@ void ASetClipboardToFileReference::UpdateToDefaultValues( bool inFlag )
 
 Text ASetClipboardToFileReference::InternalGetActionDescriptionString() const
 {
+    if ( mPath.IsEmpty() )
+        return GetActionTitle();
     return kvr_localizedFormat( u"kvSetClipboardToFileReferenceDescriptionFormat", TextView( mTarget.GetDisplayName() ),
         TextView( kvr_excerpt( mPath ) ) );
 }

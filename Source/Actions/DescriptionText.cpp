@@ -1,9 +1,11 @@
 #include "Actions/DescriptionText.h"
 
-#include "Utility/Text/Localization.h"
-#include "Utility/Text/XHTMLEntities.h"
 #include "Actions/ActionFieldParts.h"
 #include "Macros/MMacroSerializedObject.h"
+#include "Utility/Text/Localization.h"
+#include "Utility/Text/XHTMLEntities.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -13,6 +15,10 @@ void ReplaceAll( Text& ioText, TextView inWhat, TextView inWith )
 {
     for ( std::size_t at = 0; ( at = ioText.find( inWhat, at ) ) != Text::npos; at += inWith.size() )
         ioText.replace( at, inWhat.size(), inWith );
+}
+bool IsLineEndOrTab( char16_t inUnit )
+{
+    return ( inUnit >= u'\t' and inUnit <= u'\r' ) or inUnit == u'\u0085' or inUnit == u'\u2028' or inUnit == u'\u2029';
 }
 } // namespace
 
@@ -24,11 +30,8 @@ Text kvr_excerpt( const XText& inText )
     const bool isLonger = text.size() > kExcerptLength;
     if ( isLonger )
         text.resize( IsHighSurrogate( text[kExcerptLength - 1] ) ? kExcerptLength - 1 : kExcerptLength );
-    for ( char16_t& unit : text )
-    {
-        if ( unit == u'\n' or unit == u'\r' or unit == u'\t' )
-            unit = u' ';
-    }
+    ReplaceAll( text, u"\r\n", u" " );
+    std::replace_if( text.begin(), text.end(), IsLineEndOrTab, u' ' );
     if ( isLonger )
         text += u'…';
     return text;
@@ -91,6 +94,8 @@ Text kvr_withDestination( TextView inDescription, const ActionTextDestination& i
 {
     if ( inDestination.GetSourceType() == ActionTextSourceType::kSource )
         return Text( inDescription );
+    if ( inDestination.GetSourceType() == ActionTextSourceType::kNothing )
+        return kvr_localizedFormat( u"kvActionTextDestinationNothingDescriptionFormat", inDescription );
     return kvr_localizedFormat( u"kvActionTextDestinationDescriptionFormat", inDescription,
         TextView( inDestination.GetActionDescriptionString() ) );
 }

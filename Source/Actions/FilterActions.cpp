@@ -42,7 +42,7 @@ Text AFilter::InternalGetActionDescriptionString() const
 
 void AApplyTextFactory::DescribeFields( HFieldVisitor& inVisitor )
 {
-    inVisitor.Text( "Path", mPath, { .mOlderKey = "NewFile" } );
+    DescribePath( inVisitor, mPath );
     inVisitor.Part( "Target", mTarget );
 }
 
@@ -53,6 +53,8 @@ void AApplyTextFactory::UpdateToDefaultValues( bool inFlag )
 
 Text AApplyTextFactory::InternalGetActionDescriptionString() const
 {
+    if ( mPath.IsEmpty() )
+        return GetActionTitle();
     return kvr_localizedFormat( u"kvApplyTextFactoryDescriptionFormat", TextView( kvr_fileName( mPath ) ),
         TextView( mTarget.GetDisplayName() ) );
 }

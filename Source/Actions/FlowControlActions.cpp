@@ -1,5 +1,6 @@
 #include "Actions/FlowControlActions.h"
 
+#include "Actions/DescriptionText.h"
 #include "Actions/HFieldVisitors.h"
 #include "Actions/RecordedNumbers.h"
 #include "Utility/Text/Localization.h"
@@ -193,9 +194,11 @@ std::vector<Text> APause::GetAddActionByNameExtraSearchString() const
 
 Text APause::InternalGetActionDescriptionString() const
 {
+    if ( mTime.IsEmpty() )
+        return GetActionTitle();
     const TextView number = mTime.Equals( TextView( u"1" ) ) ? u"Singular" : u"Plural";
     const Text& unit = kvr_localized( kvr_format( "PauseUnit%@%@", StoredName( mUnit ), number ) );
-    return kvr_localizedFormat( u"hkPauseTitleFormat", TextView( mTime.GetText() ), TextView( unit ) );
+    return kvr_localizedFormat( u"hkPauseTitleFormat", TextView( kvr_excerpt( mTime ) ), TextView( unit ) );
 }
 
 void ASemaphore::DescribeFields( HFieldVisitor& inVisitor )

@@ -78,6 +78,8 @@ std::vector<Text> ASendSMS::GetAddActionByNameExtraSearchString() const
 
 Text ASendSMS::InternalGetActionDescriptionString() const
 {
+    if ( mTo.IsEmpty() and mContent.IsEmpty() )
+        return GetActionTitle();
     return kvr_localizedFormat( mSendiMessage ? u"kvSendSMSiMessageDescriptionFormat" : u"kvSendSMSDescriptionFormat",
         TextView( kvr_excerpt( mContent ) ), TextView( kvr_excerpt( mTo ) ) );
 }

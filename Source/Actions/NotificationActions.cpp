@@ -68,7 +68,7 @@ Text ANotification::InternalGetActionDescriptionString() const
     const XText& shown = mTitle.IsEmpty() ? mText : mTitle;
     if ( shown.IsEmpty() )
         return GetActionTitle();
-    return kvr_localizedFormat( u"kvNotificationDescriptionFormat", TextView( shown.GetText() ) );
+    return kvr_localizedFormat( u"kvNotificationDescriptionFormat", TextView( kvr_excerpt( shown ) ) );
 }
 
 void AGrowl::DescribeFields( HFieldVisitor& inVisitor )

@@ -40,6 +40,8 @@ Text APlaySound::GetActionExtraHTML() const
 
 Text APlaySound::InternalGetActionDescriptionString() const
 {
+    if ( mPath.IsEmpty() )
+        return GetActionTitle();
     const Text name = kvr_fileName( mPath );
     if ( mVolume == 100 )
         return kvr_localizedFormat( u"kvPlaySoundDescriptionFormat", TextView( name ) );

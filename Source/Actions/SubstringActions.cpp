@@ -16,6 +16,11 @@ void StringRangeFields::DescribeValues( HFieldVisitor& inVisitor )
 
 Text StringRangeFields::GetDescription() const
 {
+    const TextView one = u"1";
+    if ( ( mType == StringRangeType::kTo or mType == StringRangeType::kLast ) and mFirst.Equals( one ) )
+        return kvr_localized( kvr_format( "kvStringRange%@OneDescription", StoredName( mType ) ) );
+    if ( mType == StringRangeType::kRange and mSecond.Equals( one ) )
+        return kvr_localizedFormat( u"kvStringRangeRangeOneDescriptionFormat", TextView( kvr_excerpt( mFirst ) ) );
     return kvr_localizedFormat( kvr_format( "kvStringRange%@DescriptionFormat", StoredName( mType ) ),
         TextView( kvr_excerpt( mFirst ) ), TextView( kvr_excerpt( mSecond ) ) );
 }

@@ -106,8 +106,11 @@ std::unique_ptr<HBaseAction> AInsertText::MergedAfter( char16_t inCharacter, con
 
 Text AInsertText::InternalGetActionDescriptionString() const
 {
-    return kvr_localizedFormat( kvr_format( "kvInsertText%@DescriptionFormat", StoredName( mAction ) ),
-        TextView( kvr_excerpt( mText.GetText() ) ) );
+    const Text description =
+        kvr_localizedFormat( kvr_format( "kvInsertText%@DescriptionFormat", StoredName( mAction ) ),
+            TextView( kvr_excerpt( mText.GetText() ) ) );
+    // A text that is only shown goes to no application.
+    return mAction < InsertTextAction::kDisplayWindow ? kvr_withApplication( description, mTarget ) : description;
 }
 
 // Set Variable to Text

@@ -60,7 +60,7 @@ TEST( ScriptActions, DescriptionsTellWhatRunsAndWhatBecomesOfTheResult )
         { ActionDict( u"ExecuteJavaScriptForCustomPrompt", { { "WindowID", Str( u"W1" ) } } ),
             "Execute JavaScript in Custom Prompt “W1”" },
         { ActionDict( u"GetURL", { { "URL", Str( u"https://a.b" ) }, { "DisplayKind", Str( u"Clipboard" ) } } ),
-            "Get URL “https://a.b” and Save to System Clipboard" },
+            "Get URL “https://a.b” and Save to the System Clipboard" },
         { ActionDict( u"GetURL", { { "RemoteTrigger", Str( u"door" ) } } ), "Get URL of Remote Trigger “door”" },
         { ActionDict( u"GetURL" ), "Get a URL" },
         { ActionDict( u"Search", { { "Title", Str( u"Dictionary" ) }, { "URL", Str( u"https://d" ) } } ),
