@@ -153,10 +153,14 @@ Text ActionTextEither::GetActionDescriptionString() const
 void DescribeApplication(
     HFieldVisitor& inVisitor, HFieldKey inKey, std::optional<XApplicationIdentifier>& ioApplication )
 {
+    if ( StringSearchee* searchee = inVisitor.Searchee() )
+    {
+        if ( ioApplication )
+            searchee->Add( ioApplication->GetDisplayName() );
+        return;
+    }
     __SafeCFPropertyList value = ioApplication ? ioApplication->CopyToPropertyList() : nullptr;
     inVisitor.Value( inKey, value );
-    if ( StringSearchee* searchee = inVisitor.Searchee(); searchee and ioApplication )
-        searchee->Add( ioApplication->GetDisplayName() );
     if ( not inVisitor.IsReading() )
         return;
     if ( value.AsDictionary() )

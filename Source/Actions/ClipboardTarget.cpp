@@ -12,8 +12,8 @@ void DescribeClipboard(
         ioReference.AddMatchStrings( *searchee );
         return;
     }
-    const ClipboardReference current =
-        inVisitor.IsReading() or not ClipboardNames::Current() ? ioReference : ioReference.Updated();
+    // Only a save follows the store: following may make a clipboard, which comparing two objects mustn't.
+    const ClipboardReference current = inVisitor.IsSaving() ? ioReference.Updated() : ioReference;
     XText uid = current.GetClipboardUID(), name = current.GetClipboardName();
     inVisitor.Text( inUIDKey, uid );
     inVisitor.Text( inNameKey, name );

@@ -160,6 +160,8 @@ public:
 
     /// Does this visitor fill the members?
     [[nodiscard]] virtual bool IsReading() const { return false; }
+    /// Does this visitor write the members into a file?
+    [[nodiscard]] virtual bool IsSaving() const { return false; }
     /// Where this visitor collects what a search can find; null for those that don't. Texts, calculations and variables
     /// go there by themselves.
     [[nodiscard]] virtual StringSearchee* Searchee() { return nullptr; }
@@ -167,6 +169,8 @@ public:
     [[nodiscard]] virtual bool HasKey( HFieldKey ) const { return false; }
     /// Reading only: the value of a key was set right by whoever described it.
     virtual void NoteRepair( HFieldKey, TextView ) const {}
+    /// Reading only: the value of a key has an earlier form, of which nothing is lost.
+    virtual void NoteUpgrade( HFieldKey, TextView ) const {}
     /// Reading only: an older key was read by whoever described the field.
     virtual void NoteOlderKey( HFieldKey, HFieldKey ) const {}
 

@@ -78,6 +78,12 @@ void HReadingVisitor::NoteRepair( HFieldKey inKey, TextView inReason ) const
         observer->DidRepair( mDictionary, inKey.Key(), inReason );
 }
 
+void HReadingVisitor::NoteUpgrade( HFieldKey inKey, TextView inReason ) const
+{
+    if ( MLoadObserver* observer = MLoadObserver::Current() )
+        observer->DidUpgradeValue( mDictionary, inKey.Key(), inReason );
+}
+
 void HReadingVisitor::NoteOlderKey( HFieldKey inOlder, HFieldKey inCurrent ) const
 {
     if ( MLoadObserver* observer = MLoadObserver::Current() )

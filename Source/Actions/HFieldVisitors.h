@@ -28,6 +28,7 @@ public:
     [[nodiscard]] bool IsReading() const override { return true; }
     [[nodiscard]] bool HasKey( HFieldKey inKey ) const override { return mDictionary.Contains( inKey.Key() ); }
     void NoteRepair( HFieldKey inKey, TextView inReason ) const override;
+    void NoteUpgrade( HFieldKey inKey, TextView inReason ) const override;
     void NoteOlderKey( HFieldKey inOlder, HFieldKey inCurrent ) const override;
 
 private:
@@ -57,6 +58,8 @@ public:
     void Data( HFieldKey inKey, CFContainer<XPlistData>& ioValue, const HValueOptions& inOptions ) override;
     void Value( HFieldKey inKey, __SafeCFPropertyList& ioValue, const HValueOptions& inOptions ) override;
     void Actions( HFieldKey inListKey, HFieldKey inDisclosedKey, HActions& ioActions ) override;
+
+    [[nodiscard]] bool IsSaving() const override { return true; }
 
 private:
     void NameIndex( HFieldKey inKey, std::size_t& ioIndex, std::span<const TextView> inNames, std::size_t inWhenMissing,

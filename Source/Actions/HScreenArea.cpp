@@ -1,6 +1,7 @@
 #include "Actions/HScreenArea.h"
 
 #include "Actions/HFieldVisitors.h"
+#include "Utility/Search/StringSearchee.h"
 #include "Utility/Text/Localization.h"
 
 void HScreenArea::DescribeFields( HFieldVisitor& inVisitor )
@@ -16,10 +17,41 @@ void HScreenArea::DescribeFields( HFieldVisitor& inVisitor )
 
 void HScreenArea::DescribeIn( HFieldVisitor& inVisitor, HFieldKey inKey )
 {
-    if ( inVisitor.Searchee() )
-        DescribeFields( inVisitor );
-    else
-        inVisitor.Converted( inKey, *this );
+    if ( StringSearchee* searchee = inVisitor.Searchee() )
+    {
+        AddMatchStrings( *searchee );
+        return;
+    }
+    __SafeCFPropertyList value = inVisitor.IsReading() ? nullptr : CopyToPropertyList();
+    inVisitor.Value( inKey, value );
+    if ( not inVisitor.IsReading() or not value )
+        return;
+    LoadFromPropertyList( value );
+    if ( not value.AsDictionary() )
+        inVisitor.NoteRepair( inKey, u"isn't a dictionary; the area is that of all screens" );
+}
+
+// What is kept of other types isn't seen, and so isn't found.
+void HScreenArea::AddMatchStrings( StringSearchee& ioSearchee ) const
+{
+    switch ( mType )
+    {
+    case ScreenAreaType::kWindowName:
+    case ScreenAreaType::kWindowNameContaining:
+    case ScreenAreaType::kWindowNameMatching:
+        ioSearchee.Add( mWindowName );
+        break;
+    case ScreenAreaType::kScreenIndex:
+    case ScreenAreaType::kWindowIndex:
+        ioSearchee.Add( mIndex );
+        break;
+    case ScreenAreaType::kArea:
+        for ( const XText& expression : { mLeft, mTop, mWidth, mHeight } )
+            ioSearchee.Add( expression );
+        break;
+    default: // the type says it all
+        break;
+    }
 }
 
 void HScreenArea::ReadOlderKeys( HFieldVisitor& inVisitor )

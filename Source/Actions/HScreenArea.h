@@ -37,7 +37,7 @@ class HScreenArea
 public:
     /// Of the area's own dictionary. All fields are always written: who switches the type back finds them.
     void DescribeFields( HFieldVisitor& inVisitor );
-    /// As a field of its holder: `area.DescribeIn( inVisitor, "ScreenArea" )`. A value of a wrong type leaves the default.
+    /// As a field of its holder: `area.DescribeIn( inVisitor, "ScreenArea" )`. A value of a wrong type gives the default.
     void DescribeIn( HFieldVisitor& inVisitor, HFieldKey inKey );
     /// The area of a holder that once had its own keys "Source", "Index" and "WindowName". Reading only.
     void ReadOlderKeys( HFieldVisitor& inVisitor );
@@ -52,6 +52,8 @@ public:
     [[nodiscard]] std::vector<Text> CouldBeRegExStrings() const;
 
 private:
+    void AddMatchStrings( StringSearchee& ioSearchee ) const;
+
     ScreenAreaType mType = ScreenAreaType::kScreenAll;
     XText mWindowName = SharedText<u"">();
     XText mIndex = SharedText<u"2">();

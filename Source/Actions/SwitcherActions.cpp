@@ -62,8 +62,8 @@ void AProgramSwitcher::DescribeSortOrder( HFieldVisitor& inVisitor )
         if ( not stored.AsString()->Equals( kOlderNames[i] ) )
             continue;
         mSortOrder = ProgramSortOrder( i );
-        inVisitor.NoteRepair(
-            "SortOrder", kvr_format( u"%@ is an older name; %@ stands", kOlderNames[i], StoredName( mSortOrder ) ) );
+        inVisitor.NoteUpgrade( "SortOrder",
+            kvr_format( u"%@ is an older name of what is %@ now", kOlderNames[i], StoredName( mSortOrder ) ) );
         return;
     }
     inVisitor.Name( "SortOrder", mSortOrder );
