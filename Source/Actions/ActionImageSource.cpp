@@ -52,6 +52,11 @@ Text ActionImageSource::GetDescription() const
         kvr_format( "kvActionImageSource%@Description", StoredName( mType ) ), TextView( value ) );
 }
 
+std::vector<Text> ActionImageSource::CouldBeRegExStrings() const
+{
+    return mType == ActionImageSourceType::kScreen ? mScreenArea.CouldBeRegExStrings() : std::vector<Text>();
+}
+
 void ActionImageSource::UpdateToDefaultValues( bool inForce )
 {
     if ( mType == ActionImageSourceType::kNamedClipboard )

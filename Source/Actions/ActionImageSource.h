@@ -34,6 +34,8 @@ public:
     void SetPath( const XText& inPath );
     /// For descriptions, such as "Image in the System Clipboard".
     [[nodiscard]] Text GetDescription() const;
+    /// Those of a window's name, when the image is that of windows whose names match.
+    [[nodiscard]] std::vector<Text> CouldBeRegExStrings() const;
     void UpdateToDefaultValues( bool inForce );
 
 private:

@@ -10,11 +10,13 @@ Text FileHTML( const XText& inPath )
     return kvr_extraHTMLLine( u"kvFileExtraHTMLFormat", inPath.GetText() );
 }
 
-// A clipboard, variable or text, named as where other texts come from and go to.
+// A variable or text, named as where other texts come from and go to.
 Text PlaceDescription( TextView inStoredName, TextView inValue )
 {
     return kvr_localizedFormat( kvr_format( "kvActionTextSource%@Description", inStoredName ), inValue );
 }
+
+// Likewise a clipboard, with the article that it has among other words.
 } // namespace
 
 // Move, copy, delete
@@ -66,8 +68,10 @@ Text AReadFile::InternalGetActionDescriptionString() const
 {
     if ( mSource.IsEmpty() )
         return GetActionTitle();
-    const XText& value = mDestination == ReadFileDestination::kVariable ? mVariable : mClipboard.GetClipboardName();
-    const Text place = PlaceDescription( StoredName( mDestination ), value.GetText() );
+    const TextView destination = StoredName( mDestination );
+    const Text place = mDestination == ReadFileDestination::kVariable
+        ? PlaceDescription( destination, mVariable.GetText() )
+        : PlaceDescription( destination, mClipboard.GetClipboardName().GetText() );
     return kvr_localizedFormat(
         u"kvReadFileDescriptionFormat", TextView( kvr_fileName( mSource ) ), TextView( place ) );
 }

@@ -131,6 +131,7 @@ class ASetFileIcon final : public HActionOf<ASetFileIcon, HActionType::kSetFileI
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
     void UpdateToDefaultValues( bool inForce ) override;
+    [[nodiscard]] std::vector<Text> ActionCouldBeRegExStrings() const override { return mImage.CouldBeRegExStrings(); }
     [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:

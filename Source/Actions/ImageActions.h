@@ -70,6 +70,7 @@ class ACompositeImage final : public HClipboardImageActionOf<ACompositeImage, HA
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
     void UpdateToDefaultValues( bool inForce ) override;
+    [[nodiscard]] std::vector<Text> ActionCouldBeRegExStrings() const override { return mImage.CouldBeRegExStrings(); }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
@@ -174,6 +175,7 @@ class ASetClipboardToImage final
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
     void UpdateToDefaultValues( bool inForce ) override;
+    [[nodiscard]] std::vector<Text> ActionCouldBeRegExStrings() const override { return mImage.CouldBeRegExStrings(); }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

@@ -40,7 +40,7 @@ Text AExecuteMacro::InternalGetActionDescriptionString() const
 {
     const Text key = kvr_format(
         "kvExecuteMacroAsynchronously%dParameter%dTitleFormat", int( mAsynchronously ), int( mUseParameter ) );
-    return kvr_localizedFormat( key, kvr_macroName( mMacroUID ), TextView( kvr_excerpt( mParameter ) ) );
+    return kvr_localizedFormat( key, kvr_macroName( mMacroUID ), kvr_excerpt( mParameter ) );
 }
 
 // Mark Macro

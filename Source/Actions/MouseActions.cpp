@@ -4,6 +4,9 @@
 #include "Utility/Text/KeystrokeText.h"
 #include "Utility/Text/Localization.h"
 
+#include <algorithm>
+#include <iterator>
+
 // Mouse Move and Click
 
 void AMouseMoveAndClick::DescribeFields( HFieldVisitor& inVisitor )
@@ -141,7 +144,11 @@ void AMouseMoveAndClick::UpdateToDefaultValues( bool inForce )
 
 std::vector<Text> AMouseMoveAndClick::ActionCouldBeRegExStrings() const
 {
-    return mRelative == MouseRelative::kImage ? mScreenArea.CouldBeRegExStrings() : std::vector<Text>();
+    if ( mRelative != MouseRelative::kImage )
+        return {};
+    std::vector<Text> strings = mScreenArea.CouldBeRegExStrings();
+    std::ranges::move( mImage.CouldBeRegExStrings(), std::back_inserter( strings ) );
+    return strings;
 }
 
 std::vector<Text> AMouseMoveAndClick::GetAddActionByNameExtraSearchString() const

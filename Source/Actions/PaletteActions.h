@@ -23,6 +23,7 @@ class AGetTouchBarSelection final : public HActionOf<AGetTouchBarSelection, HAct
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    void UpdateToDefaultValues( bool inForce ) override { mResult.UpdateToDefaultValues( inForce ); }
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

@@ -3,6 +3,9 @@
 #include "Actions/DescriptionText.h"
 #include "Utility/Text/Localization.h"
 
+#include <algorithm>
+#include <iterator>
+
 // Highlight Location
 
 void AHiliteLocation::DescribeFields( HFieldVisitor& inVisitor )
@@ -18,8 +21,10 @@ void AHiliteLocation::DescribeFields( HFieldVisitor& inVisitor )
 
 Text AHiliteLocation::InternalGetActionDescriptionString() const
 {
+    const Text& seconds =
+        kvr_localized( mDisplayTime.Equals( u"1" ) ? u"PauseUnitSecondsSingular" : u"PauseUnitSecondsPlural" );
     return kvr_localizedFormat( kvr_format( "kvHiliteLocation%@DescriptionFormat", StoredName( mStyle ) ),
-        mLeft.GetText(), mTop.GetText(), mWidth.GetText(), mHeight.GetText(), mDisplayTime.GetText() );
+        mLeft.GetText(), mTop.GetText(), mWidth.GetText(), mHeight.GetText(), mDisplayTime.GetText(), seconds );
 }
 
 // Screen Capture
@@ -49,8 +54,11 @@ std::vector<Text> AScreenCapture::GetAddActionByNameExtraSearchString() const
 Text AScreenCapture::InternalGetActionDescriptionString() const
 {
     const bool isToFile = mClipboard.GetKind() == ClipboardTarget::Kind::kSystem and not mPath.IsEmpty();
-    return kvr_localizedFormat( u"kvScreenCaptureDescriptionFormat", mScreenArea.GetDescription(),
-        isToFile ? mPath.GetText() : mClipboard.GetDisplayName() );
+    if ( isToFile )
+        return kvr_localizedFormat(
+            u"kvScreenCaptureToFileDescriptionFormat", mScreenArea.GetDescription(), kvr_fileName( mPath ) );
+    return kvr_localizedFormat(
+        u"kvScreenCaptureDescriptionFormat", mScreenArea.GetDescription(), mClipboard.GetDisplayName() );
 }
 
 // Find Image on Screen
@@ -68,7 +76,9 @@ void AFindImage::DescribeFields( HFieldVisitor& inVisitor )
 
 std::vector<Text> AFindImage::ActionCouldBeRegExStrings() const
 {
-    return mScreenArea.CouldBeRegExStrings();
+    std::vector<Text> strings = mImage.CouldBeRegExStrings();
+    std::ranges::move( mScreenArea.CouldBeRegExStrings(), std::back_inserter( strings ) );
+    return strings;
 }
 
 Text AFindImage::InternalGetActionDescriptionString() const
@@ -84,6 +94,12 @@ void AOCRImage::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Text( "Language", mLanguage );
     mImage.DescribeFields( inVisitor );
     mResult.DescribeFields( inVisitor );
+}
+
+void AOCRImage::UpdateToDefaultValues( bool inForce )
+{
+    mImage.UpdateToDefaultValues( inForce );
+    mResult.UpdateToDefaultValues( inForce );
 }
 
 std::vector<Text> AOCRImage::GetAddActionByNameExtraSearchString() const

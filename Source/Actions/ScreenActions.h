@@ -76,7 +76,8 @@ class AOCRImage final : public HActionOf<AOCRImage, HActionType::kOCRImage>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
-    void UpdateToDefaultValues( bool inForce ) override { mImage.UpdateToDefaultValues( inForce ); }
+    void UpdateToDefaultValues( bool inForce ) override;
+    [[nodiscard]] std::vector<Text> ActionCouldBeRegExStrings() const override { return mImage.CouldBeRegExStrings(); }
     [[nodiscard]] std::vector<Text> GetAddActionByNameExtraSearchString() const override;
 
 protected:

@@ -40,7 +40,7 @@ TEST( ApplicationActions, DescriptionsTellTheApplicationAndWhatHappensToIt )
         { ActionDict( u"ActivateApplication" ), "Activate a Specific Application" },
         { ActionDict( u"ApplyModifiersToApplication",
               { { "Application", notes }, { "Modifiers", __SafeCFPropertyList::Integer( 256 + 512 ) } } ),
-            "Apply ⇧⌘ to Notes" },
+            "Apply the Modifiers ⇧⌘ to Notes" },
         { ActionDict( u"ApplyModifiersToApplication", { { "Application", notes } } ), "Apply No Modifiers to Notes" },
         { ActionDict( u"QuitSpecificApp" ), "Quit the Front Application" },
         { ActionDict( u"QuitSpecificApp", { { "Application", notes }, { "Action", Str( u"ForceQuitRelaunch" ) } } ),

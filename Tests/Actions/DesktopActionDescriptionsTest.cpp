@@ -59,11 +59,16 @@ TEST( DesktopActionDescriptions, TellWhatTheActionDoesWithItsValues )
                   { "DisplayKind", Str( u"Briefly" ) } } ),
             u"Read the Text of the Image in the File “scan.png” and Display Briefly" },
         { ActionDict( u"CompositeImage", { { "SourceUseTriggerClipboard", Bool( true ) } } ),
-            u"Composite the Image in Trigger Clipboard onto the Image in System Clipboard at (100, 100)" },
+            u"Composite the Image in the Trigger Clipboard onto the Image in the System Clipboard at (100, 100)" },
         { ActionDict( u"CompositeImage", { { "UseText", Bool( true ) }, { "Text", Str( u"hi" ) } } ),
-            u"Composite Text “hi” onto the Image in System Clipboard at (100, 100)" },
+            u"Composite Text “hi” onto the Image in the System Clipboard at (100, 100)" },
+        { ActionDict( u"ScreenCapture" ), u"Capture All Screens to the System Clipboard" },
+        { ActionDict( u"ScreenCapture", { { "Destination", Str( u"~/shot.png" ) } } ),
+            u"Capture All Screens to the File “shot.png”" },
+        { ActionDict( u"HiliteLocation", { { "DisplayTime", Str( u"1" ) } } ),
+            u"Highlight a Rectangle at (MOUSEX(), MOUSEY()) of Size (100, 100) for 1 Second" },
         { ActionDict( u"GetImageSize", { { "Attribute", Str( u"PixekHeight" ) } } ),
-            u"Set Variable “VarName” to the Height in Pixels of the Image in System Clipboard" },
+            u"Set Variable “VarName” to the Height in Pixels of the Image in the System Clipboard" },
         { ActionDict( u"StreamDeckSetImage", { { "FromType", Str( u"Macro" ) } } ),
             u"Set the Image of Stream Deck Button R1C1 to the Icon of Unknown Macro" },
     };
@@ -136,4 +141,10 @@ TEST( DesktopActionDescriptions, SearchesFindMenusAndMacrosByWhatTheUserSees )
     EXPECT_NE( words( ActionDict( u"ShowPaletteOfMacros", { title, { "Macros", Array( { Str( u"SOME-UID" ) } ) } } ) )
                    .find( "SOME-UID" ),
         std::string::npos );
+    // What is only kept of other kinds of area isn't seen, and so isn't found.
+    const auto named = Dict( { { "ScreenAreaType", Str( u"WindowName" ) }, { "WindowName", Str( u"Ledger" ) } } );
+    const auto capture = ActionDict( u"ScreenCapture", { title, { "ScreenArea", named } } );
+    EXPECT_NE( words( capture ).find( "Ledger" ), std::string::npos );
+    const auto whole = With( named, "ScreenAreaType", Str( u"ScreenMain" ) );
+    EXPECT_EQ( words( With( capture, "ScreenArea", whole ) ).find( "Ledger" ), std::string::npos );
 }

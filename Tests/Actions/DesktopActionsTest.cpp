@@ -2,6 +2,7 @@
 // keys, older keys and what is only written sometimes.
 #include "ActionTestSupport.h"
 
+#include "Tests/ClipboardSwitcher/FakeClipboardNames.h"
 #include "Tests/Macros/MacroFixtures.h"
 
 namespace
@@ -143,7 +144,8 @@ std::string TypeOf( const __SafeCFPropertyList& inAction )
 // A value that no field of the value's kind can hold.
 __SafeCFPropertyList WrongFor( const __SafeCFPropertyList& inValue )
 {
-    return inValue.AsDictionary() or inValue.AsArray() ? Int( 3 ) : Dict( {} );
+    const bool isContainer = inValue.AsDictionary() or inValue.AsArray();
+    return isContainer or inValue.AsString() ? Int( 3 ) : Dict( {} );
 }
 
 bool IsOneOf( std::string_view inKey, std::initializer_list<std::string_view> inKeys )
@@ -373,4 +375,44 @@ TEST( DesktopActions, AWindowsNameThatIsMatchedCouldBeARegularExpression )
         u"ManipulateWindow", { { "WindowName", Str( u"^Doc" ) }, { "Targeting", Str( u"WindowNameMatching" ) } } );
     EXPECT_EQ( regEx( window ), pattern );
     EXPECT_TRUE( regEx( With( window, "Targeting", Str( u"NamedWindow" ) ) ).empty() );
+
+    // So could that of the windows whose image is looked at.
+    for ( TextView type :
+        { u"FindImage", u"OCRImage", u"SetFileIcon", u"CompositeImage", u"SetClipboardToImage", u"MouseMoveAndClick" } )
+    {
+        const auto action = ActionDict( type,
+            { { "Relative", Str( u"Image" ) }, { "ImageSource", Str( u"Screen" ) }, { "ImageScreenArea", Area() } } );
+        EXPECT_EQ( regEx( action ), pattern ) << UTF8FromText( type );
+        EXPECT_TRUE( regEx( With( action, "ImageSource", Str( u"SystemClipboard" ) ) ).empty() );
+    }
+}
+
+TEST( DesktopActions, AResultsClipboardFollowsItsStore )
+{
+    const std::string prefix = "ClipboardTarget";
+    for ( TextView type : { u"GetTouchBarSelection", u"OCRImage" } )
+    {
+        const auto stored = With( With( ActionDict( type,
+                                            { { "DisplayKind", Str( u"Clipboard" ) },
+                                                { "ClipboardTargetUseNamedClipboard", Bool( true ) } } ),
+                                      prefix + "NamedClipboardUID", Str( u"1" ) ),
+            prefix + "NamedClipboardRedundantDisplayName", Str( u"Before" ) );
+        const auto action = HBaseAction::CreateFromPropertyList( stored );
+        {
+            const FakeClipboardNames store{ { u"1", u"Now" } };
+            action->UpdateToDefaultValues( false );
+        }
+        EXPECT_EQ( At( Saved( *action ), prefix + "NamedClipboardRedundantDisplayName" ), Str( u"Now" ) )
+            << UTF8FromText( type );
+    }
+}
+
+TEST( DesktopActions, ComparingMakesNoClipboard )
+{
+    const FakeClipboardNames store;
+    const auto action = HBaseAction::CreateFromPropertyList( ActionDict( u"TrimImage",
+        { { "TargetUseNamedClipboard", Bool( true ) },
+            { "TargetNamedClipboardRedundantDisplayName", Str( u"Mine" ) } } ) );
+    EXPECT_EQ( action->CompareFields( *action->Clone() ), 0 );
+    EXPECT_TRUE( store.mNamesByUID.empty() );
 }

@@ -25,7 +25,10 @@ public:
     {
         mText += "repaired " + std::string( inKey.Name() ) + ";";
     }
-    void DidUpgradeValue( const XPlistDictionary&, const XKey&, TextView ) override {}
+    void DidUpgradeValue( const XPlistDictionary&, const XKey& inKey, TextView ) override
+    {
+        mText += "upgraded " + std::string( inKey.Name() ) + ";";
+    }
     void DidReadUID( const XPlistDictionary&, const XText&, const XText& ) override {}
 
     std::string mText;
@@ -98,7 +101,9 @@ TEST( ScriptActions, OlderKeysAreToldOfAndReadOnceOnly )
         { ActionDict( u"WriteFile", { { "Format", Str( u"WordML" ) }, { "Format2", Str( u"GIF" ) } } ), "Format2",
             Str( u"GIF" ), "" },
         { ActionDict( u"ProgramSwitcher", { { "SortOrder", Str( u"ByUse" ) } } ), "SortOrder", Str( u"SortByUse" ),
-            "repaired SortOrder;" },
+            "upgraded SortOrder;" },
+        { ActionDict( u"SetDesktopImage", { { "ScreenArea", Str( u"Main" ) } } ), "Path", Str( u"" ),
+            "repaired ScreenArea;" },
         { ActionDict( u"OpenFinderSelection", { { "Application", App( u"Notes" ) } } ), "TargetApplication",
             App( u"Notes" ), "Application>TargetApplication;" },
         // What the file says beside the front application is there for whoever chooses it again.
