@@ -15,8 +15,6 @@ Text PlaceDescription( TextView inStoredName, TextView inValue )
 {
     return kvr_localizedFormat( kvr_format( "kvActionTextSource%@Description", inStoredName ), inValue );
 }
-
-// Likewise a clipboard, with the article that it has among other words.
 } // namespace
 
 // Move, copy, delete
