@@ -1,5 +1,7 @@
 #include "CFMethods/Text.h"
 
+#include <algorithm>
+
 namespace
 {
 struct Decoded
@@ -65,8 +67,11 @@ void Append( Text& ioText, char32_t inScalar )
 Text TextFromUTF8( std::string_view inUTF8 )
 {
     Text result;
+    // All that stands before the first character beyond ASCII, which mostly is all.
+    const auto wide = std::ranges::find_if( inUTF8, []( char unit ) { return ( unit & 0x80 ) != 0; } );
     result.reserve( inUTF8.size() );
-    for ( std::size_t at = 0; at < inUTF8.size(); )
+    result.assign( inUTF8.begin(), wide );
+    for ( auto at = std::size_t( wide - inUTF8.begin() ); at < inUTF8.size(); )
     {
         const auto [scalar, length, wellFormed] = DecodeOne( inUTF8, at );
         Append( result, scalar );
@@ -141,7 +146,8 @@ std::optional<std::size_t> FindLoneSurrogate( TextView inText )
 Text TextFromASCII( std::string_view inASCII )
 {
     Text result( inASCII.size(), u'\0' );
+    char16_t* const units = result.data(); // so that the compiler widens many at once
     for ( std::size_t i = 0; i < inASCII.size(); ++i )
-        result[i] = static_cast<unsigned char>( inASCII[i] );
+        units[i] = static_cast<unsigned char>( inASCII[i] );
     return result;
 }

@@ -43,7 +43,13 @@ public:
 
     Text Run()
     {
-        mResult.reserve( mFormat.size() + 16 );
+        std::size_t texts = 16;
+        for ( const XFormatArgument& argument : mArguments )
+        {
+            if ( const auto* view = std::get_if<TextView>( &argument ) )
+                texts += view->size();
+        }
+        mResult.reserve( mFormat.size() + texts );
         while ( mAt < mFormat.size() )
         {
             const std::size_t percent = std::min( mFormat.find( u'%', mAt ), mFormat.size() );
@@ -61,6 +67,14 @@ private:
     {
         const std::size_t start = mAt++;
         Conversion conversion;
+        if ( mAt < mFormat.size() and mFormat[mAt] == u'@' ) // as nearly all are
+        {
+            ++mAt;
+            conversion.mKind = u'@';
+            if ( const auto* argument = Argument( {} ) )
+                AppendArgument( conversion, *argument );
+            return;
+        }
         conversion.mPosition = ReadPosition();
         ReadFlags( conversion );
         ReadWidthAndPrecision( conversion );
