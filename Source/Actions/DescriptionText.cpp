@@ -32,6 +32,18 @@ Text kvr_excerpt( const XText& inText )
         text.resize( IsHighSurrogate( text[kExcerptLength - 1] ) ? kExcerptLength - 1 : kExcerptLength );
     ReplaceAll( text, u"\r\n", u" " );
     std::replace_if( text.begin(), text.end(), IsLineEndOrTab, u' ' );
+    // Unit by unit: the text that is cut may be a book.
+    const XPlistString& whole = *inText.GetString();
+    const bool isLonger = whole.GetLength() > kExcerptLength;
+    std::size_t length = std::min( whole.GetLength(), kExcerptLength );
+    length -= isLonger and IsHighSurrogate( whole.UnitAt( length - 1 ) );
+    Text text( length, u' ' );
+    for ( std::size_t i = 0; i < length; ++i )
+    {
+        const char16_t unit = whole.UnitAt( i );
+        if ( unit != u'\n' and unit != u'\r' and unit != u'\t' )
+            text[i] = unit;
+    }
     if ( isLonger )
         text += u'…';
     return text;

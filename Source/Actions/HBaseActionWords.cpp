@@ -18,15 +18,33 @@ Text kHotKeyActionName( HActionType inType )
     return row.mTitleKey ? TextFromASCII( row.mTitleKey ) : u"hk" + TextFromASCII( row.mKey );
 }
 
+namespace
+{
+// Of all types, made once: what a search collects has a title with every action.
+std::vector<Text> MakeActionTypeTitles()
+{
+    std::vector<Text> titles;
+    for ( std::size_t i = 0; i < kHActionTypeCount; ++i )
+    {
+        const auto type = HActionType( i );
+        const Text theKey = kHotKeyActionName( type );
+        XAssertText( not theKey.empty(), "theKey" );
+        if ( type == HActionType::kITunesControl ) // the application's name of today
+            titles.push_back( kvr_localizedFormat( theKey, TextView( u"Music" ) ) );
+        else
+            titles.push_back( kvr_localized( theKey ) );
+    }
+    return titles;
+}
+} // namespace
+
 Text HBaseAction::GetActionTypeTitle( HActionType inType )
 {
-    const Text theKey = kHotKeyActionName( inType );
-    XAssertText( not theKey.empty(), "theKey" );
-    if ( theKey.empty() )
-        return u"Unknown Action";
-    if ( inType == HActionType::kITunesControl ) // the application's name of today
-        return kvr_localizedFormat( theKey, TextView( u"Music" ) );
-    return kvr_localized( theKey );
+    static const std::vector<Text> gTitles = MakeActionTypeTitles();
+    if ( std::size_t( inType ) < gTitles.size() )
+        return gTitles[std::size_t( inType )];
+    XAssertText( false, "theKey" );
+    return u"Unknown Action";
 }
 
 Text HBaseAction::GetActionTitle() const
