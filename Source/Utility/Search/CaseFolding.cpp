@@ -6,6 +6,17 @@
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 
+namespace
+{
+// Blocks without letters that have a case, which stand in nearly every text that isn't ASCII: quotes, dashes and
+// ellipses; arrows and the glyphs of keys; kana and ideographs.
+bool IsCaseless( char16_t inUnit )
+{
+    return ( inUnit >= 0x2000 and inUnit < 0x2100 ) or ( inUnit >= 0x2190 and inUnit < 0x2400 ) or
+        ( inUnit >= 0x3000 and inUnit < 0xA000 );
+}
+} // namespace
+
 bool IsASCII( TextView inText )
 {
     // Without an early end, which would keep the compiler from looking at many units at once.
@@ -32,6 +43,12 @@ void AppendFoldedCase( TextView inText, Text& ioFolded, std::vector<std::uint32_
         if ( unit < 0x80 )
         {
             ioFolded += unit >= u'A' and unit <= u'Z' ? char16_t( unit + 32 ) : unit;
+            ++at;
+            continue;
+        }
+        if ( IsCaseless( unit ) )
+        {
+            ioFolded += unit;
             ++at;
             continue;
         }

@@ -147,15 +147,24 @@ void AddText( const Text& inText, std::string& ioASCII, Text& ioWide, std::vecto
 
 SearchableTexts::SearchableTexts( const StringSearchee& inSearchee )
 {
-    std::string ascii;
-    Text wide;
-    std::vector<std::uint32_t> innerPlaces;
+    // Kept for the next object, unless this one is a giant.
+    struct Buffers
+    {
+        std::string mASCII;
+        Text mWide;
+        std::vector<std::uint32_t> mInnerPlaces;
+    };
+    static thread_local Buffers gBuffers;
+    constexpr std::size_t kMostKept = 1 << 20;
+    if ( gBuffers.mASCII.capacity() > kMostKept or gBuffers.mWide.capacity() > kMostKept )
+        gBuffers = {};
+    auto& [ascii, wide, innerPlaces] = gBuffers;
+    ascii.clear();
+    wide.clear();
+    innerPlaces.clear();
+
     Layout layout{};
     const auto elements = inSearchee.GetElements();
-    std::size_t units = 0;
-    for ( const StringSearchee::Element& element : elements )
-        units += element.mText.size() + 1;
-    ascii.reserve( units );
     for ( std::size_t slot = 0; slot < std::size( kSlotKinds ); ++slot )
     {
         const StringSearchee::Element* last = nullptr;

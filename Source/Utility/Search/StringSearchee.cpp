@@ -24,8 +24,10 @@ void StringSearchee::AddText( Kind inKind, Words inText )
     if ( inText.mText.empty() )
         return;
     if ( mElements.empty() )
-        mElements.reserve( 32 ); // few objects have less to say
-    mElements.push_back( { false, inKind, std::move( inText.mText ) } );
+        mElements.reserve( 128 ); // few objects have more to say, and growing costs more than the room
+    Element& element = mElements.emplace_back();
+    element.mKind = inKind;
+    element.mText = std::move( inText.mText );
 }
 
 void StringSearchee::AddTime( Kind inKind, double inTime, double inAge )

@@ -2,6 +2,7 @@
 // has to say, on texts made of all that case folding makes difficult.
 #include "Utility/Search/SearchPattern.h"
 
+#include "Utility/Search/CaseFolding.h"
 #include "Utility/Search/LiteralSearch.h"
 #include "Utility/Search/SearchableTexts.h"
 #include "Utility/Search/StringSearcher.h"
@@ -12,6 +13,7 @@
 #include <memory>
 #include <unicode/uchar.h>
 #include <unicode/uregex.h>
+#include <unicode/ustring.h>
 
 namespace
 {
@@ -137,6 +139,22 @@ TEST( SearchPattern, EveryCharacterWithCaseMatchesWhatItMatchesAsAnExpression )
                     << UTF8FromText( expression ) << " in " << Shown( place );
             }
         }
+    }
+}
+
+TEST( CaseFolding, EveryCharacterFoldsAsUnicodeSays )
+{
+    for ( char32_t character = 0x80; character < 0x20000; ++character )
+    {
+        if ( character >= 0xD800 and character < 0xE000 )
+            continue;
+        Text text;
+        kvr_appendCharacter( text, character );
+        UErrorCode status = U_ZERO_ERROR;
+        char16_t folded[8];
+        const std::int32_t length = u_strFoldCase( folded, std::int32_t( std::size( folded ) ), text.data(),
+            std::int32_t( text.size() ), U_FOLD_CASE_DEFAULT, &status );
+        ASSERT_EQ( FoldedCase( text ), Text( folded, std::size_t( length ) ) ) << std::uint32_t( character );
     }
 }
 
