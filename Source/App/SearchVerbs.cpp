@@ -4,6 +4,7 @@
 #include "App/MacrosFile.h"
 #include "App/Verb.h"
 #include "Macros/MMacro.h"
+#include "Macros/MMacroDomain.h"
 #include "Utility/Search/StringSearcher.h"
 #include "Utility/Text/NSStringRegularExpressions.h"
 #include "Utility/Text/StringHelpers.h"
@@ -20,6 +21,7 @@ using Kind = StringSearchee::Kind;
 
 constexpr std::size_t kExcerptAround = 32; // units shown on each side of a match
 constexpr double kSecondsFrom1970 = 978307200.0;
+constexpr double kNever = 1314000000.0; // what a search says that no time can change
 
 // What people call a kind of fact, in its order.
 constexpr const char* kElementNames[] = { "text", "UID", "trigger", "hot key", "name", "group", "application", "global",
@@ -50,6 +52,14 @@ std::string DateInUTC( XAbsoluteTime inTime )
     if ( gmtime_r( &time, &parts ) )
         (void)std::strftime( text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts );
     return text;
+}
+
+/// Terms that a search has no room for are left out, so that it finds more than was asked for: that has to be said.
+void ComplainOfTooManyTerms( const StringSearcher& inSearcher, Output& ioOutput )
+{
+    if ( inSearcher.GetTerms().size() == StringSearcher::kMaxTerms )
+        ioOutput.Complain(
+            fmt::format( "a search has at most {} terms; any that follow don't count", StringSearcher::kMaxTerms ) );
 }
 
 /// Why something was found: the fact that one term of the query matches.
@@ -193,6 +203,7 @@ public:
         for ( const std::string& word : mQuery )
             query += ( query.empty() ? "" : " " ) + word;
         StringSearcher searcher( TextView( TextFromUTF8( query ) ) );
+        ComplainOfTooManyTerms( searcher, ioContext.mOutput );
         XMutableArray facts;
         std::size_t told = 0;
         const auto tell = [&]( const MMacroSerializedObject& object ) {
@@ -268,6 +279,31 @@ private:
     bool mJSON = false;
 };
 
+/// Seconds until a macro may come to a smart group by getting too old for a negated time, of which its search gives
+/// no notice: the same time, asked for plainly, does.
+double NextArrival( const MMacroSmartGroup& inSmartGroup )
+{
+    MMacroSmartGroup::Searchers searchers, plain;
+    inSmartGroup.GetStringSearchers( searchers );
+    for ( const StringSearcher& searcher : searchers )
+    {
+        for ( const SearchTerm& term : searcher.GetTerms() )
+        {
+            if ( term.mNegated and term.mKind >= Kind::kCreated and term.mKind <= Kind::kUsed )
+                plain.emplace_back( TextView(
+                    TextFromUTF8( fmt::format( "{}:{:.0f}", kElementNames[std::size_t( term.mKind )], term.mAge ) ) ) );
+        }
+    }
+    double next = kNever;
+    for ( StringSearcher& searcher : plain )
+    {
+        MMacroDomain::Get()->DoForEveryMacro(
+            [&searcher]( const MMacroGroup&, const MMacro& macro ) { (void)macro.MatchesTextSearch( searcher ); } );
+        next = std::min( next, searcher.NextChange() );
+    }
+    return next;
+}
+
 class SmartVerb final : public Verb
 {
 public:
@@ -325,9 +361,12 @@ private:
     void Tell( const MMacroSmartGroup& inSmartGroup, Output& ioOutput ) const
     {
         std::vector<MMacro*> macros;
-        constexpr double kNever = 1314000000.0;
-        double next = kNever;
+        double next = NextArrival( inSmartGroup );
         inSmartGroup.GetEveryMacro( macros, next );
+        MMacroSmartGroup::Searchers searchers;
+        inSmartGroup.GetStringSearchers( searchers );
+        for ( const StringSearcher& searcher : searchers )
+            ComplainOfTooManyTerms( searcher, ioOutput );
         const XAbsoluteTime now = XClock::Current().Now();
         std::sort( macros.begin(), macros.end(),
             []( const MMacro* a, const MMacro* b ) { return MMacro::CompareAlphabetically( a, b ) < 0; } );
@@ -350,7 +389,7 @@ private:
             ioOutput.Line( fmt::format( "Holds these until {}, in {}, unless a macro is edited or used.",
                 DateInUTC( now + next ), InWords( next ) ) );
         else if ( inSmartGroup.IsTimeSensitive() )
-            ioOutput.Line( "Its search asks for a time, but no macro leaves it as time goes by." );
+            ioOutput.Line( "Its search asks for a time, but no macro comes or goes as time goes by." );
     }
 
     static __SafeCFPropertyList AsValue( const MMacroSmartGroup& inSmartGroup, const std::vector<MMacro*>& inMacros,

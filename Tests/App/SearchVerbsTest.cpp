@@ -1,6 +1,7 @@
 #include "CFMethods/PropertyListCodec.h"
 #include "Tests/App/KorvalenRun.h"
 #include "Tests/Macros/MacroFixtures.h"
+#include "Utility/Search/StringSearcher.h"
 
 #include <gmock/gmock.h>
 
@@ -28,6 +29,7 @@ struct SearchVerbs : MacroWorld
             SmartGroupWith( u"S", { Str( u"letter" ), Str( u"modified:1h" ) }, { { "Name", Str( u"Fresh" ) } } ),
             SmartGroupWith( u"T", { Str( u"modified:1s" ) }, { { "Name", Str( u"Twice" ) } } ),
             SmartGroupWith( u"U", { Str( u"" ) }, { { "Name", Str( u"Twice" ) } } ),
+            SmartGroupWith( u"V", { Str( u"-modified:1h name:other" ) }, { { "Name", Str( u"Stale" ) } } ),
         } );
         mFile = mFolder.File( "macros.plist", WriteBinaryPropertyList( file ).View() );
     }
@@ -89,16 +91,33 @@ TEST_F( SearchVerbs, SmartSaysWhatAGroupHoldsAndUntilWhen )
     EXPECT_THAT( Run( "smart", { "S", "--json" } ).mOutput,
         AllOf( HasSubstr( "\"until\": \"2023-03-08T21:16:40Z\"" ), HasSubstr( "\"timeSensitive\": true" ) ) );
     EXPECT_THAT(
-        Run( "smart", { "T" } ).mOutput, AllOf( HasSubstr( "(0 macros)" ), HasSubstr( "no macro leaves it" ) ) );
+        Run( "smart", { "T" } ).mOutput, AllOf( HasSubstr( "(0 macros)" ), HasSubstr( "no macro comes or goes" ) ) );
     EXPECT_THAT( Run( "smart", { "U", "--json" } ).mOutput,
         AllOf( HasSubstr( "\"timeSensitive\": false" ), Not( HasSubstr( "until" ) ) ) );
+}
+
+TEST_F( SearchVerbs, SmartSaysWhenAMacroMayComeByGettingOlder )
+{
+    EXPECT_EQ( Run( "smart", { "stale" } ).mOutput,
+        "Stale  (0 macros)\n  search: -modified:1h name:other\n"
+        "Holds these until 2023-03-08T21:16:40Z, in 50 minutes, unless a macro is edited or used.\n" );
+}
+
+TEST_F( SearchVerbs, TermsThatAreLeftOutAreTold )
+{
+    std::string query;
+    for ( std::size_t i = 1; i < StringSearcher::kMaxTerms; ++i )
+        query += "e: ";
+    EXPECT_EQ( Run( "search", { query } ).mErrors, "" );
+    EXPECT_THAT( Run( "search", { query + "e: absent" } ).mErrors, HasSubstr( "at most 64 terms" ) );
 }
 
 TEST_F( SearchVerbs, SmartTellsWhichThereAre )
 {
     const KorvalenResult unknown = Run( "smart", { "Group G" } );
     EXPECT_EQ( unknown.mStatus, 1 );
-    EXPECT_THAT( unknown.mErrors, HasSubstr( "no smart group called “Group G”; it has “Fresh”, “Twice”, “Twice”" ) );
+    EXPECT_THAT(
+        unknown.mErrors, HasSubstr( "no smart group called “Group G”; it has “Fresh”, “Stale”, “Twice”, “Twice”" ) );
     const KorvalenResult twice = Run( "smart", { "twice" } );
     EXPECT_EQ( twice.mStatus, 1 );
     EXPECT_THAT( twice.mErrors, AllOf( HasSubstr( "2 smart groups" ), HasSubstr( "by its UID: T, U" ) ) );
