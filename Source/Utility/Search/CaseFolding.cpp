@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 
@@ -45,17 +46,17 @@ void AppendFoldedCase( TextView inText, Text& ioFolded, std::vector<std::uint32_
     ioFolded.reserve( ioFolded.size() + inText.size() );
     for ( std::size_t at = 0; at < inText.size(); )
     {
-        const char16_t unit = inText[at];
-        if ( unit < 0x80 )
+        // In one piece what folds unit by unit.
+        std::size_t end = at;
+        while ( end < inText.size() and ( inText[end] < 0x80 or IsCaseless( inText[end] ) ) )
+            ++end;
+        if ( end > at )
         {
-            ioFolded += unit >= u'A' and unit <= u'Z' ? char16_t( unit + 32 ) : unit;
-            ++at;
-            continue;
-        }
-        if ( IsCaseless( unit ) )
-        {
-            ioFolded += unit;
-            ++at;
+            const std::size_t begin = ioFolded.size();
+            ioFolded.append( inText.substr( at, end - at ) );
+            for ( char16_t& unit : std::span( ioFolded ).subspan( begin ) )
+                unit = unit >= u'A' and unit <= u'Z' ? char16_t( unit + 32 ) : unit;
+            at = end;
             continue;
         }
         const std::size_t start = at;
