@@ -40,8 +40,9 @@ void RequireQuietCheck( const __SafeCFPropertyList& inSaved )
 {
     const MFileCheck check = CheckFile( inSaved );
     for ( const MFinding& finding : check.mFindings )
-        std::fprintf( stderr, "%s: %s %s: %s\n", NameOf( finding.mRule ), UTF8FromText( finding.mPath ).c_str(),
-            UTF8FromText( finding.mKey ).c_str(), UTF8FromText( finding.mText ).c_str() );
+        std::fprintf( stderr, "%s: %s %s: %s\n", RowOf( finding.mRule ).mID.data(),
+            UTF8FromText( finding.mPath ).c_str(), UTF8FromText( finding.mKey ).c_str(),
+            UTF8FromText( finding.mText ).c_str() );
     Require( check.mFindings.empty(), "a saved file has findings" );
 }
 } // namespace

@@ -166,7 +166,7 @@ void DescribeApplication(
     if ( value.AsDictionary() )
         ioApplication = XApplicationIdentifier::CreateFromPropertyList( value );
     else if ( value ) // losing the whole action for it would be worse than losing the choice
-        inVisitor.NoteRepair( inKey, u"isn't a dictionary; no application stands" );
+        inVisitor.NoteRepair( inKey, u"isn't a dictionary; no application stands", MLoadRule::kWrongTypeDefaulted );
 }
 
 void DescribePath( HFieldVisitor& inVisitor, XText& ioPath )

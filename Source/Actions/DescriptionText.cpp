@@ -16,6 +16,7 @@ void ReplaceAll( Text& ioText, TextView inWhat, TextView inWith )
     for ( std::size_t at = 0; ( at = ioText.find( inWhat, at ) ) != Text::npos; at += inWith.size() )
         ioText.replace( at, inWhat.size(), inWith );
 }
+
 bool IsLineEndOrTab( char16_t inUnit )
 {
     return ( inUnit >= u'\t' and inUnit <= u'\r' ) or inUnit == u'\u0085' or inUnit == u'\u2028' or inUnit == u'\u2029';
@@ -26,23 +27,18 @@ Text kvr_excerpt( const XText& inText )
 {
     if ( inText.IsNull() )
         return {};
-    Text text = inText.GetText();
-    const bool isLonger = text.size() > kExcerptLength;
-    if ( isLonger )
-        text.resize( IsHighSurrogate( text[kExcerptLength - 1] ) ? kExcerptLength - 1 : kExcerptLength );
-    ReplaceAll( text, u"\r\n", u" " );
-    std::replace_if( text.begin(), text.end(), IsLineEndOrTab, u' ' );
     // Unit by unit: the text that is cut may be a book.
     const XPlistString& whole = *inText.GetString();
     const bool isLonger = whole.GetLength() > kExcerptLength;
     std::size_t length = std::min( whole.GetLength(), kExcerptLength );
     length -= isLonger and IsHighSurrogate( whole.UnitAt( length - 1 ) );
-    Text text( length, u' ' );
+    Text text;
     for ( std::size_t i = 0; i < length; ++i )
     {
         const char16_t unit = whole.UnitAt( i );
-        if ( unit != u'\n' and unit != u'\r' and unit != u'\t' )
-            text[i] = unit;
+        const bool isSecondOfLineEnd = unit == u'\n' and i > 0 and whole.UnitAt( i - 1 ) == u'\r';
+        if ( not isSecondOfLineEnd )
+            text += IsLineEndOrTab( unit ) ? u' ' : unit;
     }
     if ( isLonger )
         text += u'…';

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "CFMethods/PropertyList.h"
+#include "Macros/MLoadRules.h"
 
 #include <concepts>
 #include <optional>
@@ -168,7 +169,7 @@ public:
     /// Reading only: is the key there, whatever its value?
     [[nodiscard]] virtual bool HasKey( HFieldKey ) const { return false; }
     /// Reading only: the value of a key was set right by whoever described it.
-    virtual void NoteRepair( HFieldKey, TextView ) const {}
+    virtual void NoteRepair( HFieldKey, TextView, MLoadRule = MLoadRule::kValueCorrected ) const {}
     /// Reading only: the value of a key has an earlier form, of which nothing is lost.
     virtual void NoteUpgrade( HFieldKey, TextView ) const {}
     /// Reading only: an older key was read by whoever described the field.

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <compare>
+#include <type_traits>
 
 // Reading
 
@@ -59,23 +60,27 @@ bool HReadingVisitor::Read( HFieldKey inKey, AValue& ioValue, const char* inRequ
         return true;
     if ( inRequiredAs )
         ThrowUnread( inKey, inRequiredAs );
-    NoteWrongType( inKey, WordFor( ioValue ) );
+    NoteWrongType( inKey, WordFor( ioValue ), std::is_arithmetic_v<AValue> and not std::is_same_v<AValue, bool> );
     return false;
 }
 
-void HReadingVisitor::NoteWrongType( HFieldKey inKey, const char* inExpected ) const
+void HReadingVisitor::NoteWrongType( HFieldKey inKey, const char* inExpected, bool inIsNumber ) const
 {
     const XPlistNode* found = MLoadObserver::Current() ? mDictionary.Find( inKey.Key() ) : nullptr;
-    if ( found )
-        NoteRepair( inKey,
-            kvr_format( "a value of type %s can't be read as %s; the default stands", NameOf( found->GetType() ),
-                inExpected ) );
+    if ( not found )
+        return;
+    // A number is read as any other that it fits, so one that isn't taken doesn't fit.
+    const bool isNumber = found->GetType() == XPlistType::kNumber and inIsNumber;
+    NoteRepair( inKey,
+        kvr_format(
+            "a value of type %s can't be read as %s; the default stands", NameOf( found->GetType() ), inExpected ),
+        isNumber ? MLoadRule::kOutOfRange : MLoadRule::kWrongTypeDefaulted );
 }
 
-void HReadingVisitor::NoteRepair( HFieldKey inKey, TextView inReason ) const
+void HReadingVisitor::NoteRepair( HFieldKey inKey, TextView inReason, MLoadRule inRule ) const
 {
     if ( MLoadObserver* observer = MLoadObserver::Current() )
-        observer->DidRepair( mDictionary, inKey.Key(), inReason );
+        observer->DidRepair( mDictionary, inKey.Key(), inRule, inReason );
 }
 
 void HReadingVisitor::NoteUpgrade( HFieldKey inKey, TextView inReason ) const
@@ -190,7 +195,8 @@ void HReadingVisitor::NameIndex(
     if ( MLoadObserver::Current() and HasKey( inKey ) )
         NoteRepair( inKey,
             name ? kvr_format( u"“%@” is no name that this key knows; %@ stands", name->GetText(), inNames[ioIndex] )
-                 : kvr_format( u"isn't a string; %@ stands", inNames[ioIndex] ) );
+                 : kvr_format( u"isn't a string; %@ stands", inNames[ioIndex] ),
+            name ? MLoadRule::kEnumDefaulted : MLoadRule::kWrongTypeDefaulted );
 }
 
 // Saving

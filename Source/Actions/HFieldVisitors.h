@@ -27,7 +27,7 @@ public:
 
     [[nodiscard]] bool IsReading() const override { return true; }
     [[nodiscard]] bool HasKey( HFieldKey inKey ) const override { return mDictionary.Contains( inKey.Key() ); }
-    void NoteRepair( HFieldKey inKey, TextView inReason ) const override;
+    void NoteRepair( HFieldKey inKey, TextView inReason, MLoadRule inRule = MLoadRule::kValueCorrected ) const override;
     void NoteUpgrade( HFieldKey inKey, TextView inReason ) const override;
     void NoteOlderKey( HFieldKey inOlder, HFieldKey inCurrent ) const override;
 
@@ -38,7 +38,7 @@ private:
     bool Read( HFieldKey inKey, AValue& ioValue, const char* inRequiredAs );
     void ReadText( HFieldKey inKey, XText& ioValue, const HTextOptions& inOptions, bool inOlderIsNumber );
     bool ReadOlderText( HFieldKey inOlder, HFieldKey inCurrent, XText& outValue, bool inIsNumber );
-    void NoteWrongType( HFieldKey inKey, const char* inExpected ) const;
+    void NoteWrongType( HFieldKey inKey, const char* inExpected, bool inIsNumber ) const;
 
     const XPlistDictionary& mDictionary;
 };

@@ -119,8 +119,9 @@ void AQuickMacro::DescribeFields( HFieldVisitor& inVisitor )
     if ( not IsEmpty( uid ) and not MUIDObject::UIDInUse( uid ) )
         mUID->SetUID( uid );
     else // a copy whose original is still there, say, on its way to being pasted
-        inVisitor.NoteRepair(
-            "QuickMacroUID", IsEmpty( uid ) ? u"an empty UID" : u"another object of this file holds this UID" );
+        inVisitor.NoteRepair( "QuickMacroUID",
+            IsEmpty( uid ) ? u"an empty UID" : u"another object of this file holds this UID",
+            IsEmpty( uid ) ? MLoadRule::kUIDAdded : MLoadRule::kUIDReplaced );
 }
 
 void AQuickMacro::UpdateForPasteOrAdd()

@@ -36,7 +36,8 @@ void AGetTouchBarSelection::DescribeButtons( HFieldVisitor& inVisitor )
     const bool isUsable = mButtons.AsString() or mButtons.AsArray() or mButtons.AsDictionary() or mButtons.AsData();
     if ( inVisitor.IsReading() and not isUsable )
     {
-        inVisitor.NoteRepair( "Buttons", u"is no text, array, dictionary or data; “none” stands" );
+        inVisitor.NoteRepair(
+            "Buttons", u"is no text, array, dictionary or data; “none” stands", MLoadRule::kWrongTypeDefaulted );
         mButtons = SharedText<u"none">();
     }
 }

@@ -16,7 +16,7 @@ void APromptWithList::DescribeFields( HFieldVisitor& inVisitor )
     if ( inVisitor.IsReading() and mPromptUID.IsEmpty() )
     {
         mPromptUID = uuidString();
-        inVisitor.NoteRepair( "PromptUID", u"is empty; the prompt gets a new one" );
+        inVisitor.NoteRepair( "PromptUID", u"is empty; the prompt gets a new one", MLoadRule::kUIDAdded );
     }
     inVisitor.Text( "WindowTitle", mWindowTitle );
     inVisitor.Text( "InitialSearch", mInitialSearch );

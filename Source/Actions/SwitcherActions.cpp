@@ -14,7 +14,7 @@ void DescribeApplications( HFieldVisitor& inVisitor, HFieldKey inKey, __SafeCFPr
     if ( inVisitor.IsReading() and ioApplications and not ioApplications.AsArray() and
         not ioApplications.AsDictionary() and not ioApplications.AsData() )
     {
-        inVisitor.NoteRepair( inKey, u"isn't a list of applications; none stands" );
+        inVisitor.NoteRepair( inKey, u"isn't a list of applications; none stands", MLoadRule::kWrongTypeDefaulted );
         ioApplications = nullptr;
     }
     StringSearchee* searchee = inVisitor.Searchee();

@@ -95,8 +95,7 @@ std::optional<CollectionType> TypeWithOlderName( const XPlistDictionary& inDicti
     if ( older == std::end( kOlderNames ) )
         return {};
     if ( MLoadObserver* observer = MLoadObserver::Current() )
-        observer->DidUpgradeValue( inDictionary, CFSTR( "CollectionType" ),
-            kvr_format( u"an older name of the type “%@”", StoredName( older->mType ) ) );
+        observer->DidUpgradeType( inDictionary, inName.GetText(), StoredName( older->mType ) );
     return older->mType;
 }
 

@@ -34,7 +34,7 @@ void CConditionList::DescribeIn( HFieldVisitor& inVisitor )
         return;
     LoadFromPropertyList( value );
     if ( not value.AsDictionary() )
-        inVisitor.NoteRepair( kConditions, u"isn't a dictionary; no conditions stand" );
+        inVisitor.NoteRepair( kConditions, u"isn't a dictionary; no conditions stand", MLoadRule::kWrongTypeDefaulted );
 }
 
 void CConditionList::LoadFromPropertyList( const __SafeCFPropertyList& inValue )
@@ -51,7 +51,7 @@ void CConditionList::LoadFromPropertyList( const __SafeCFPropertyList& inValue )
     if ( const XPlistArray* array = conditions.AsArray() )
         LoadConditions( *array );
     else if ( conditions )
-        visitor.NoteRepair( "ConditionList", u"isn't an array; no conditions stand" );
+        visitor.NoteRepair( "ConditionList", u"isn't an array; no conditions stand", MLoadRule::kWrongTypeDefaulted );
 }
 
 void CConditionList::LoadConditions( const XPlistArray& inConditions )

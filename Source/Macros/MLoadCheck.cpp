@@ -8,6 +8,7 @@
 #include "Actions/HActionType.h"
 #include "Actions/HBaseAction.h"
 #include "CFMethods/PropertyListText.h"
+#include "Macros/MLoadReasons.h"
 #include "Macros/MLoadRecorder.h"
 #include "Macros/MMacro.h"
 #include "Macros/MMacroDomain.h"
@@ -16,17 +17,14 @@
 #include "XCAF/XException.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
 constexpr const char* kKindNames[] = { "macros file", "kvmacros file", "kvactions file", "kvlibrary file" };
 static_assert( std::size( kKindNames ) == std::size_t( MFileKind::kLibrary ) + 1 );
 
-constexpr const char* kRuleNames[] = { "dropped", "unread-key", "setting-lost", "repaired", "wrong-type", "upgraded",
-    "defaulted", "left-out", "uid-replaced", "changed" };
-static_assert( std::size( kRuleNames ) == std::size_t( MFinding::Rule::kChanged ) + 1 );
-
-using Rule = MFinding::Rule;
+using Rule = MLoadRule;
 
 const XPlistArray* ArrayOf( const XPlistDictionary* inDictionary, const XKey& inKey )
 {
@@ -43,42 +41,6 @@ Text TextOf( const XPlistDictionary* inDictionary, const XKey& inKey )
 Text Brief( const __SafeCFPropertyList& inValue )
 {
     return TextFromUTF8( BriefText( inValue ) );
-}
-
-// What a failed read says in the words of the code, in words for people.
-Text ReasonForPeople( const __SafeCFPropertyList& inElement, TextView inListKey, TextView inReason )
-{
-    const XPlistDictionary* const dictionary = inElement.AsDictionary();
-    if ( not dictionary )
-        return inReason.ends_with( u"->IsCorrectTypeID()" )
-            ? kvr_format( u"it is no dictionary, but of type %s", NameOf( inElement.GetType() ) )
-            : Text( inReason );
-    const auto unknown = [dictionary]( const XKey& key, TextView format ) {
-        const Text name = TextOf( dictionary, key );
-        return name.empty() ? kvr_format( u"its key “%@” is missing or no text", key.Name() )
-                            : kvr_format( format, name );
-    };
-    if ( inReason == u"good" and inListKey == u"ConditionList" )
-        return unknown( CFSTR( "ConditionType" ), u"no condition type is called “%@”" );
-    if ( inReason == u"good" and inListKey == u"CollectionList" )
-        return unknown( CFSTR( "CollectionType" ), u"no collection type is called “%@”" );
-    if ( inReason == u"good" or inReason == u"action" )
-        return unknown( CFSTR( "MacroActionType" ), u"no action type is called “%@”" );
-    if ( inReason == u"false" )
-        return unknown( CFSTR( "MacroTriggerType" ), u"no kind of trigger is called “%@”" );
-    if ( inReason == u"dictionary->Get( CFSTR(\"SearchStrings\"), strings )" )
-        return u"it has neither a list “Macros”, as a group has, nor “SearchStrings”, as a smart group has";
-    if ( inReason == u"actions" )
-        return u"its key “Actions” is missing or no array";
-    constexpr TextView kRead = u"dictionary->Get( CFSTR(\"";
-    if ( inReason.starts_with( kRead ) )
-    {
-        const TextView rest = inReason.substr( kRead.size() );
-        return kvr_format( u"its key “%@” is missing or of the wrong type", rest.substr( 0, rest.find( u'"' ) ) );
-    }
-    if ( inReason == u"actions && actions->IsCorrectTypeID()" )
-        return u"a list of actions in it is no array";
-    return Text( inReason );
 }
 
 // "action 3", "trigger 1", "then action 2": an element by the list that it stands in.
@@ -99,6 +61,49 @@ Text ElementName( TextView inListKey, std::size_t inIndex )
     return kvr_format( u"%@ %lu", inListKey, inIndex + 1 );
 }
 
+// A UID that the file doesn't have: not a default, for it is another one with each load.
+bool IsFreshUID( const XPlistString& inKey, const __SafeCFPropertyList& inNew )
+{
+    constexpr std::size_t kUUIDLength = 36;
+    const XPlistString* const uid = inNew.AsString();
+    const Text key = inKey.GetText();
+    return uid and uid->GetLength() == kUUIDLength and ( key.ends_with( u"UID" ) or key.ends_with( u"UID2" ) );
+}
+
+// Groups and macros are told by their names.
+bool IsListOfNamed( TextView inListKey )
+{
+    return inListKey == u"MacroGroups" or inListKey == u"Items" or inListKey == u"Macros";
+}
+
+// Where a walk is: a chain on the stack, the innermost first. Only a finding makes a text of it, for most places have
+// none.
+struct Step
+{
+    static constexpr std::size_t kNoIndex = std::size_t( -1 );
+
+    const Step* mOuter;
+    TextView mKey; ///< of a list when there is an index
+    std::size_t mIndex = kNoIndex;
+    const __SafeCFPropertyList* mElement = nullptr; ///< with an index
+
+    [[nodiscard]] Text Name() const
+    {
+        if ( mIndex == kNoIndex )
+            return Text( mKey );
+        const Text name = IsListOfNamed( mKey ) ? TextOf( mElement->AsDictionary(), CFSTR( "Name" ) ) : Text();
+        return name.empty() ? ElementName( mKey, mIndex ) : name;
+    }
+};
+
+Text PathOf( const Step* inStep )
+{
+    if ( not inStep )
+        return {};
+    const Text outer = PathOf( inStep->mOuter );
+    return outer.empty() ? inStep->Name() : outer + u" › " + inStep->Name();
+}
+
 class Checker
 {
 public:
@@ -110,29 +115,30 @@ public:
     void NoteUnreadKeys( const XPlistDictionary& inSource, std::initializer_list<std::string_view> inKnown );
 
 private:
-    struct Step
+    // Takes a step for as long as the object lives.
+    struct Within
     {
-        Step( Checker& ioChecker, const Text& inName ) : mChecker( ioChecker ), mLength( ioChecker.mPath.size() )
+        Within( Checker& ioChecker, Step inStep ) : mChecker( ioChecker ), mStep( inStep )
         {
-            if ( not mChecker.mPath.empty() )
-                mChecker.mPath += u" › ";
-            mChecker.mPath += inName;
+            mStep.mOuter = std::exchange( mChecker.mStep, &mStep );
         }
-        ~Step() { mChecker.mPath.resize( mLength ); }
+        ~Within() { mChecker.mStep = mStep.mOuter; }
+        Within( const Within& ) = delete;
+        Within& operator=( const Within& ) = delete;
 
         Checker& mChecker;
-        std::size_t mLength;
+        Step mStep;
     };
 
-    void Note( Rule inRule, bool inIsLoss, TextView inKey, Text inText )
+    void Note( Rule inRule, TextView inKey, Text inText )
     {
-        mCheck.mFindings.push_back( { inRule, inIsLoss, mPath, Text( inKey ), std::move( inText ) } );
+        mCheck.mFindings.push_back( { inRule, PathOf( mStep ), Text( inKey ), std::move( inText ) } );
     }
     void WalkValue(
         const XPlistDictionary& inSource, const XPlistString& inKey, const XPlistNode* inOld, const XPlistNode* inNew );
     void WalkDictionary( const XPlistDictionary& inSource, const XPlistDictionary& inSaved );
     void WalkArray( const XPlistArray& inSource, const XPlistArray& inSaved, TextView inListKey );
-    void WalkElement( const __SafeCFPropertyList& inOld, const __SafeCFPropertyList& inNew, const Text& inName );
+    void WalkElement( const __SafeCFPropertyList& inOld, const __SafeCFPropertyList& inNew );
     void NoteDropped( const XPlistArray& inSource, TextView inListKey );
     void NoteMissing( const XPlistDictionary& inSource, const XPlistDictionary& inSaved, const XPlistString& inKey,
         const XPlistNode* inOld );
@@ -140,18 +146,11 @@ private:
         const XPlistDictionary& inSource, const XPlistString& inKey, const XPlistNode* inOld, const XPlistNode* inNew );
     void NoteAdded( const XPlistDictionary& inSource, const XPlistString& inKey, const XPlistNode* inNew );
     void NoteUID( const MLoadRecorder::UIDs& inUIDs );
-    [[nodiscard]] static Text NameOfObject( const XPlistDictionary* inDictionary, const Text& inOtherwise );
 
     MLoadRecorder& mRecorder;
     MFileCheck& mCheck;
-    Text mPath;
+    const Step* mStep = nullptr;
 };
-
-Text Checker::NameOfObject( const XPlistDictionary* inDictionary, const Text& inOtherwise )
-{
-    const Text name = TextOf( inDictionary, CFSTR( "Name" ) );
-    return name.empty() ? inOtherwise : name;
-}
 
 void Checker::WalkMacrosFile( const XPlistDictionary& inSource, const XPlistDictionary& inSaved )
 {
@@ -168,7 +167,7 @@ void Checker::WalkMacrosFile( const XPlistDictionary& inSource, const XPlistDict
     for ( const char* const key : { "MacroDefaultsVersion", "MacroPreferencesVersion" } )
     {
         if ( not inSource.Find( XKey( key ) ) )
-            Note( Rule::kDefaulted, false, TextFromASCII( key ), u"would be written as 0" );
+            Note( Rule::kDefaultWritten, TextFromASCII( key ), u"would be written as 0" );
     }
     if ( const XPlistArray* const groups = ArrayOf( &inSource, CFSTR( "MacroGroups" ) ) )
         WalkGroups( *groups, ArrayOf( &inSaved, CFSTR( "MacroGroups" ) ), u"MacroGroups" );
@@ -186,17 +185,18 @@ void Checker::WalkGroups( const XPlistArray& inSource, const XPlistArray* inSave
     NoteDropped( inSource, inListKey );
     for ( std::size_t i = 0; i < inSource.GetCount(); ++i )
     {
-        const XPlistDictionary* const source = __SafeCFPropertyList( inSource.NodeAt( i ) ).AsDictionary();
+        const __SafeCFPropertyList element( inSource.NodeAt( i ) );
+        const XPlistDictionary* const source = element.AsDictionary();
         if ( not source or dropped.contains( i ) )
             continue;
-        const Step step( *this, NameOfObject( source, ElementName( inListKey, i ) ) );
+        const Within within( *this, { nullptr, inListKey, i, &element } );
         const MLoadRecorder::UIDs uids = mRecorder.TakeUIDs( *source );
         NoteUID( uids );
         const auto saved = savedByUID.find( uids.mObject.GetText() );
         if ( saved != savedByUID.end() )
             WalkDictionary( *source, *saved->second );
         else
-            Note( Rule::kDropped, true, {}, u"it isn't in what would be saved" );
+            Note( Rule::kChangedValue, {}, u"it isn't in what would be saved" );
     }
 }
 
@@ -211,7 +211,7 @@ void Checker::NoteUnreadKeys( const XPlistDictionary& inSource, std::initializer
     {
         const auto isKey = [&entry]( std::string_view known ) { return entry.mKey->Equals( known ); };
         if ( not std::ranges::any_of( inKnown, isKey ) )
-            Note( Rule::kUnreadKey, true, entry.mKey->GetText(),
+            Note( Rule::kUnknownKey, entry.mKey->GetText(),
                 u"nothing reads it: " + Brief( __SafeCFPropertyList( entry.mValue ) ) );
     }
 }
@@ -221,9 +221,9 @@ void Checker::NoteUID( const MLoadRecorder::UIDs& inUIDs )
     if ( inUIDs.mFile.Equals( inUIDs.mObject ) )
         return;
     if ( IsEmpty( inUIDs.mFile ) )
-        Note( Rule::kUIDReplaced, false, u"UID", u"it has no UID, and would get a fresh one" );
+        Note( Rule::kUIDAdded, u"UID", u"it has no UID, and would get a fresh one" );
     else
-        Note( Rule::kUIDReplaced, true, u"UID",
+        Note( Rule::kUIDReplaced, u"UID",
             kvr_format( u"another object holds %@; it would get a fresh one", inUIDs.mFile ) );
 }
 
@@ -232,10 +232,9 @@ void Checker::NoteDropped( const XPlistArray& inSource, TextView inListKey )
     for ( const auto& [index, reason] : mRecorder.DroppedFrom( inSource ) )
     {
         const __SafeCFPropertyList element( inSource.NodeAt( index ) );
-        const bool isNamed = inListKey == u"MacroGroups" or inListKey == u"Items" or inListKey == u"Macros";
-        const Text name = ElementName( inListKey, index );
-        const Step step( *this, isNamed ? NameOfObject( element.AsDictionary(), name ) : name );
-        Note( Rule::kDropped, true, {}, ReasonForPeople( element, inListKey, reason ) );
+        const Within within( *this, { nullptr, inListKey, index, &element } );
+        MDropReason forPeople = DropReasonOf( element, inListKey, reason );
+        Note( forPeople.mRule, {}, std::move( forPeople.mText ) );
     }
 }
 
@@ -245,7 +244,8 @@ void Checker::WalkArray( const XPlistArray& inSource, const XPlistArray& inSaved
     NoteDropped( inSource, inListKey );
     if ( inSource.GetCount() - dropped.size() != inSaved.GetCount() )
     {
-        Note( Rule::kChanged, inSaved.GetCount() < inSource.GetCount(), inListKey,
+        const bool grows = inSaved.GetCount() > inSource.GetCount() - dropped.size();
+        Note( grows ? Rule::kElementsAdded : Rule::kChangedValue, inListKey,
             kvr_format( u"its %lu elements would be %lu", inSource.GetCount(), inSaved.GetCount() ) );
         return;
     }
@@ -255,15 +255,13 @@ void Checker::WalkArray( const XPlistArray& inSource, const XPlistArray& inSaved
         if ( dropped.contains( i ) )
             continue;
         const __SafeCFPropertyList old( inSource.NodeAt( i ) );
-        const Text name = ElementName( inListKey, i );
-        WalkElement( old, __SafeCFPropertyList( inSaved.NodeAt( next++ ) ),
-            inListKey == u"Macros" ? NameOfObject( old.AsDictionary(), name ) : name );
+        const Within within( *this, { nullptr, inListKey, i, &old } );
+        WalkElement( old, __SafeCFPropertyList( inSaved.NodeAt( next++ ) ) );
     }
 }
 
-void Checker::WalkElement( const __SafeCFPropertyList& inOld, const __SafeCFPropertyList& inNew, const Text& inName )
+void Checker::WalkElement( const __SafeCFPropertyList& inOld, const __SafeCFPropertyList& inNew )
 {
-    const Step step( *this, inName );
     const XPlistDictionary *const source = inOld.AsDictionary(), *const saved = inNew.AsDictionary();
     if ( source and saved )
     {
@@ -276,7 +274,7 @@ void Checker::WalkElement( const __SafeCFPropertyList& inOld, const __SafeCFProp
     else if ( inOld.AsArray() and inNew.AsArray() )
         WalkArray( *inOld.AsArray(), *inNew.AsArray(), u"element" );
     else if ( not( inOld == inNew ) )
-        Note( Rule::kChanged, true, {}, kvr_format( u"%@ would become %@", Brief( inOld ), Brief( inNew ) ) );
+        Note( Rule::kChangedValue, {}, kvr_format( u"%@ would become %@", Brief( inOld ), Brief( inNew ) ) );
 }
 
 void Checker::WalkDictionary( const XPlistDictionary& inSource, const XPlistDictionary& inSaved )
@@ -305,10 +303,15 @@ void Checker::NoteAdded( const XPlistDictionary& inSource, const XPlistString& i
     if ( inKey.Equals( std::string_view( "UID" ) ) )
         return; // told of with the object
     const Text value = u"would be written as " + Brief( __SafeCFPropertyList( inNew ) );
-    if ( const Text* const repair = mRecorder.RepairOf( { inSource, inKey } ) )
-        Note( Rule::kRepaired, true, inKey.GetText(), value + u": " + *repair );
+    const MLoadRecorder::KeyID id( inSource, inKey );
+    if ( const auto* const repair = mRecorder.RepairOf( id ) )
+        Note( repair->mRule, inKey.GetText(), value + u": " + repair->mReason );
+    else if ( const auto* const origin = mRecorder.OriginOf( id ) )
+        Note( origin->mRule, inKey.GetText(), value + u": " + origin->mReason );
+    else if ( IsFreshUID( inKey, __SafeCFPropertyList( inNew ) ) )
+        Note( Rule::kUIDAdded, inKey.GetText(), value + u": a fresh one" );
     else
-        Note( Rule::kDefaulted, false, inKey.GetText(), value );
+        Note( Rule::kDefaultWritten, inKey.GetText(), value );
 }
 
 void Checker::WalkValue(
@@ -320,6 +323,9 @@ void Checker::WalkValue(
         NoteMissing( inSource, inSource, inKey, inOld );
         return;
     }
+    const bool isContainer = old.AsArray() or old.AsDictionary();
+    if ( not isContainer and old == saved )
+        return; // nearly all values of nearly all files
     // What was set right or upgraded as a whole is told as a whole.
     const MLoadRecorder::KeyID id( inSource, inKey );
     if ( ( mRecorder.RepairOf( id ) or mRecorder.UpgradeOf( id ) ) and not( old == saved ) )
@@ -329,7 +335,8 @@ void Checker::WalkValue(
         WalkArray( *old.AsArray(), *saved.AsArray(), inKey.GetText() );
     else if ( old.AsDictionary() and saved.AsDictionary() )
     {
-        const Step step( *this, inKey.GetText() );
+        const Text key = inKey.GetText();
+        const Within within( *this, { nullptr, key } );
         WalkDictionary( *old.AsDictionary(), *saved.AsDictionary() );
     }
     else if ( not( old == saved ) )
@@ -360,18 +367,18 @@ void Checker::NoteMissing( const XPlistDictionary& inSource, const XPlistDiction
 {
     const MLoadRecorder::KeyID id( inSource, inKey );
     const Text key = inKey.GetText(), value = Brief( __SafeCFPropertyList( inOld ) );
-    if ( const Text* const upgrade = mRecorder.UpgradeOf( id ) )
-        Note( Rule::kUpgraded, false, key, *upgrade );
-    else if ( const Text* const repair = mRecorder.RepairOf( id ) )
-        Note( Rule::kRepaired, true, key, value + u": " + *repair );
+    if ( const auto* const upgrade = mRecorder.UpgradeOf( id ) )
+        Note( upgrade->mRule, key, upgrade->mReason );
+    else if ( const auto* const repair = mRecorder.RepairOf( id ) )
+        Note( repair->mRule, key, value + u": " + repair->mReason );
     else if ( not mRecorder.WasRead( id ) )
-        Note( Rule::kUnreadKey, true, key, u"nothing reads it: " + value );
+        Note( Rule::kUnknownKey, key, u"nothing reads it: " + value );
     else if ( mRecorder.WasOnlyMisread( id ) )
-        Note( Rule::kWrongType, true, key, value + u" has the wrong type; its default stands" );
+        Note( Rule::kWrongTypeDefaulted, key, value + u" has the wrong type; its default stands" );
     else if ( IsLostSetting( key, __SafeCFPropertyList( inOld ), inSaved ) )
-        Note( Rule::kSettingLost, true, key, value + u" has no effect on this type, and isn't kept" );
+        Note( Rule::kUnusedSetting, key, value + u" has no effect on this type, and isn't kept" );
     else
-        Note( Rule::kLeftOut, false, key, value + u" holds without being written" );
+        Note( Rule::kKeyWithoutEffect, key, value + u" has no effect here, and isn't written" );
 }
 
 void Checker::NoteChanged(
@@ -384,14 +391,18 @@ void Checker::NoteChanged(
     const Text key = inKey.GetText();
     const Text change = kvr_format( u"%@ would become %@", Brief( old ), Brief( saved ) );
     const XPlistNumber *const a = old.AsNumber(), *const b = saved.AsNumber();
-    if ( const Text* const upgrade = mRecorder.UpgradeOf( id ) )
-        Note( Rule::kUpgraded, false, key, change + u": " + *upgrade );
-    else if ( const Text* const repair = mRecorder.RepairOf( id ) )
-        Note( Rule::kRepaired, true, key, change + u": " + *repair );
+    if ( const auto* const upgrade = mRecorder.UpgradeOf( id ) )
+        Note( upgrade->mRule, key, change + u": " + upgrade->mReason );
+    else if ( const auto* const repair = mRecorder.RepairOf( id ) )
+        Note( repair->mRule, key, change + u": " + repair->mReason );
+    else if ( mRecorder.WasOnlyMisread( id ) and a and b )
+        Note( Rule::kOutOfRange, key, change + u": it doesn't fit" );
     else if ( mRecorder.WasOnlyMisread( id ) )
-        Note( Rule::kWrongType, true, key, change + u": it has the wrong type" );
+        Note( Rule::kWrongTypeDefaulted, key, change + u": it has the wrong type" );
+    else if ( a and b and a->AsReal() == b->AsReal() )
+        Note( Rule::kNumberForm, key, change );
     else
-        Note( Rule::kChanged, not( a and b and a->AsReal() == b->AsReal() ), key, change );
+        Note( Rule::kChangedValue, key, change );
 }
 
 void Count( HBaseAction& inAction, MFileContents& ioContents )
@@ -480,14 +491,9 @@ const char* NameOf( MFileKind inKind )
     return kKindNames[std::size_t( inKind )];
 }
 
-const char* NameOf( MFinding::Rule inRule )
-{
-    return kRuleNames[std::size_t( inRule )];
-}
-
 bool MFileCheck::LosesSomething() const
 {
-    return std::ranges::any_of( mFindings, &MFinding::mIsLoss );
+    return std::ranges::any_of( mFindings, &MFinding::IsLoss );
 }
 
 std::optional<MFileKind> FileKindOf( const __SafeCFPropertyList& inValue )

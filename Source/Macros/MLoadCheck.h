@@ -4,6 +4,7 @@
 #pragma once
 
 #include "CFMethods/PropertyList.h"
+#include "Macros/MLoadRules.h"
 
 #include <map>
 #include <optional>
@@ -18,29 +19,14 @@ enum class MFileKind { kMacrosFile, kMacrosExport, kActionsExport, kLibrary };
 
 struct MFinding
 {
-    /// A short stable word for the kind of finding, for scripts.
-    enum class Rule {
-        kDropped,     ///< an element is left out
-        kUnreadKey,   ///< nothing reads the key
-        kSettingLost, ///< the key is read, but has no place in this object
-        kRepaired,    ///< the value was set right
-        kWrongType,   ///< the value has the wrong type, and a default stands for it
-        kUpgraded,    ///< an older key or type becomes the current one
-        kDefaulted,   ///< a key is written with its default
-        kLeftOut,     ///< a key says what holds without it, and isn't written
-        kUIDReplaced, ///< the object gets another UID
-        kChanged,     ///< the value would be written otherwise
-    };
+    MLoadRule mRule;
+    Text mPath; ///< for people: "Global Macro Group › Paste plain › action 3"
+    Text mKey;  ///< "" when the finding is about the element itself
+    Text mText; ///< the reason or the change, one clause
 
-    Rule mRule;
-    bool mIsLoss = false; ///< something that the file said would be gone
-    Text mPath;           ///< for people: "Global Macro Group › Paste plain › action 3"
-    Text mKey;            ///< "" when the finding is about the element itself
-    Text mText;           ///< the reason or the change, one clause
+    /// Something that the file said would be gone.
+    [[nodiscard]] bool IsLoss() const { return RowOf( mRule ).mLoses; }
 };
-
-/// "dropped", "unread-key" and so on.
-[[nodiscard]] const char* NameOf( MFinding::Rule inRule );
 
 struct MFileContents
 {

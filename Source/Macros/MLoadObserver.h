@@ -4,6 +4,7 @@
 #pragma once
 
 #include "CFMethods/PropertyList.h"
+#include "Macros/MLoadRules.h"
 #include "XCAF/XException.h"
 
 class MLoadObserver
@@ -19,8 +20,9 @@ public:
     virtual void DidUpgradeType( const XPlistDictionary& inSource, TextView inOlder, TextView inCurrent ) = 0;
     /// A key's value has an earlier form, which the next save writes in the current one. Nothing is lost by it.
     virtual void DidUpgradeValue( const XPlistDictionary& inSource, const XKey& inKey, TextView inReason ) = 0;
-    /// A key's value was set right, and why.
-    virtual void DidRepair( const XPlistDictionary& inSource, const XKey& inKey, TextView inReason ) = 0;
+    /// A key's value was set right, by which rule and why.
+    virtual void DidRepair(
+        const XPlistDictionary& inSource, const XKey& inKey, MLoadRule inRule, TextView inReason ) = 0;
     /// A macro, group or smart group has read its UID. The file's is null or "" when it says none; the object's is
     /// another one when the file's couldn't be used.
     virtual void DidReadUID( const XPlistDictionary& inSource, const XText& inFileUID, const XText& inUID ) = 0;

@@ -42,7 +42,10 @@ std::uint32_t ReadVersion( const XPlistDictionary& inDictionary, const XKey& inK
     if ( inDictionary.Get( inKey, version ) and version >= 0 and version <= 0xFFFFFFFFll )
         return std::uint32_t( version );
     if ( MLoadObserver* const observer = MLoadObserver::Current(); observer and inDictionary.Contains( inKey ) )
-        observer->DidRepair( inDictionary, inKey, u"no version number" );
+        observer->DidRepair( inDictionary, inKey,
+            __SafeCFPropertyList( inDictionary.Find( inKey ) ).AsNumber() ? MLoadRule::kOutOfRange
+                                                                          : MLoadRule::kWrongTypeDefaulted,
+            u"no version number" );
     return 0;
 }
 

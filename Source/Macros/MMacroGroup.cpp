@@ -20,10 +20,10 @@
 
 namespace
 {
-void ReportRepair( const XPlistDictionary& inDictionary, const XKey& inKey, TextView inReason )
+void ReportRepair( const XPlistDictionary& inDictionary, const XKey& inKey, MLoadRule inRule, TextView inReason )
 {
     if ( MLoadObserver* const observer = MLoadObserver::Current() )
-        observer->DidRepair( inDictionary, inKey, inReason );
+        observer->DidRepair( inDictionary, inKey, inRule, inReason );
 }
 
 // An override that changes nothing asks for no save.
@@ -341,7 +341,8 @@ void MMacroGroup::LoadActivationFromDictionary( const XPlistDictionary& inDictio
         if ( keyCode >= 0 and keyCode <= 65535 )
             mKeyCode = std::uint16_t( keyCode );
         else
-            ReportRepair( inDictionary, CFSTR( "KeyCode" ), u"a key code is between 0 and 65535" );
+            ReportRepair(
+                inDictionary, CFSTR( "KeyCode" ), MLoadRule::kOutOfRange, u"a key code is between 0 and 65535" );
     }
     std::int64_t modifiers = 0;
     if ( inDictionary.Get( CFSTR( "Modifiers" ), modifiers ) )
@@ -349,7 +350,8 @@ void MMacroGroup::LoadActivationFromDictionary( const XPlistDictionary& inDictio
         if ( modifiers >= 0 and modifiers <= 0xFFFFFFFFll )
             mModifiers = std::uint32_t( modifiers );
         else
-            ReportRepair( inDictionary, CFSTR( "Modifiers" ), u"modifiers are between 0 and 4294967295" );
+            ReportRepair(
+                inDictionary, CFSTR( "Modifiers" ), MLoadRule::kOutOfRange, u"modifiers are between 0 and 4294967295" );
     }
     const auto read = [&inDictionary]( const XKey& key, bool whenMissing ) {
         (void)inDictionary.Get( key, whenMissing );
@@ -453,11 +455,13 @@ void MMacroGroup::RepairTarget( const XPlistDictionary& inDictionary )
     const bool meantEverywhere =
         mTarget.GetType() == MacroAppTargetType::kExcluded or mTarget.GetType() == MacroAppTargetType::kNotRunning;
     mTarget.SetType( MacroAppTargetType::kAll );
-    ReportRepair( inDictionary, CFSTR( "Targeting" ), u"the target names no application, so it is All" );
+    ReportRepair(
+        inDictionary, CFSTR( "Targeting" ), MLoadRule::kEmptyTarget, u"the target names no application, so it is All" );
     if ( meantEverywhere )
         return;
     SetIsActive( false );
-    ReportRepair( inDictionary, CFSTR( "IsActive" ), u"its target named no application, so the group is off" );
+    ReportRepair( inDictionary, CFSTR( "IsActive" ), MLoadRule::kEmptyTarget,
+        u"its target named no application, so the group is off" );
 }
 
 void MMacroGroup::LoadToggleMacroAndDisabledMacs( const XPlistDictionary& inDictionary )
@@ -469,6 +473,7 @@ void MMacroGroup::LoadToggleMacroAndDisabledMacs( const XPlistDictionary& inDict
             mToggleMacro.SetUID( toggle );
         else
             ReportRepair( inDictionary, CFSTR( "ToggleMacroUID" ),
+                IsEmpty( toggle ) ? MLoadRule::kUIDAdded : MLoadRule::kUIDReplaced,
                 IsEmpty( toggle ) ? u"an empty UID" : u"another object of this file holds this UID" );
     }
     CFContainer<XPlistArray> macs;
@@ -485,18 +490,18 @@ void MMacroGroup::ForceDefaults( const XPlistDictionary& inDictionary )
 {
     constexpr char16_t kReason[] = u"the default group is always active, everywhere";
     if ( mTarget.GetType() != MacroAppTargetType::kAll )
-        ReportRepair( inDictionary, CFSTR( "Targeting" ), kReason );
+        ReportRepair( inDictionary, CFSTR( "Targeting" ), MLoadRule::kDefaultGroupReset, kReason );
     if ( mWindowCondition.GetType() != FrontWindowConditionType::kAlways )
     {
-        ReportRepair( inDictionary, CFSTR( "FocussedWindowConditionType" ), kReason );
-        ReportRepair( inDictionary, CFSTR( "FocussedWindowTitle" ), kReason );
+        ReportRepair( inDictionary, CFSTR( "FocussedWindowConditionType" ), MLoadRule::kDefaultGroupReset, kReason );
+        ReportRepair( inDictionary, CFSTR( "FocussedWindowTitle" ), MLoadRule::kDefaultGroupReset, kReason );
     }
     if ( mActivate != MacroGroupActivate::kNormal )
-        ReportRepair( inDictionary, CFSTR( "Activate" ), kReason );
+        ReportRepair( inDictionary, CFSTR( "Activate" ), MLoadRule::kDefaultGroupReset, kReason );
     if ( not IsActive() )
-        ReportRepair( inDictionary, CFSTR( "IsActive" ), kReason );
+        ReportRepair( inDictionary, CFSTR( "IsActive" ), MLoadRule::kDefaultGroupReset, kReason );
     if ( not mDisabledMacs.empty() )
-        ReportRepair( inDictionary, CFSTR( "DisabledMacs" ), kReason );
+        ReportRepair( inDictionary, CFSTR( "DisabledMacs" ), MLoadRule::kDefaultGroupReset, kReason );
     mTarget.SetType( MacroAppTargetType::kAll );
     mWindowCondition = {};
     mActivate = MacroGroupActivate::kNormal;

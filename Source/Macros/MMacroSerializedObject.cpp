@@ -239,7 +239,7 @@ XAbsoluteTime MMacroSerializedObject::ReadTime( const XPlistDictionary& inDictio
     if ( not inDictionary.Get( inKey, time ) or not std::isnan( time ) )
         return time;
     if ( MLoadObserver* const observer = MLoadObserver::Current() )
-        observer->DidRepair( inDictionary, inKey, u"a time that is no number" );
+        observer->DidRepair( inDictionary, inKey, MLoadRule::kOutOfRange, u"a time that is no number" );
     return 0;
 }
 

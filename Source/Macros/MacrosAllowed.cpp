@@ -37,7 +37,7 @@ void MacrosAllowed::DescribeFields( HFieldVisitor& inVisitor, HFieldKey inTypeKe
     if ( not inVisitor.IsReading() )
         return;
     if ( uids and not uids.AsArray() )
-        inVisitor.NoteRepair( inUIDsKey, u"isn't an array; no macros stand" );
+        inVisitor.NoteRepair( inUIDsKey, u"isn't an array; no macros stand", MLoadRule::kWrongTypeDefaulted );
     mUIDs = uids.AsArray() ? TextsOf( *uids.AsArray() ) : std::vector<XText>();
 }
 

@@ -35,6 +35,7 @@ std::size_t GetStoredName( const XPlistDictionary& inDictionary, const XKey& inK
     MLoadObserver* const observer = MLoadObserver::Current();
     if ( observer and inDictionary.Contains( inKey ) )
         observer->DidRepair( inDictionary, inKey,
+            name.IsNull() ? MLoadRule::kWrongTypeDefaulted : MLoadRule::kEnumDefaulted,
             name.IsNull() ? Text( u"not a name" ) : kvr_format( u"“%@” is no name that is known here", name ) );
     return inDefault;
 }

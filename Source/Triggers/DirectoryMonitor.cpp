@@ -32,7 +32,7 @@ void Interest::DescribeUID( HFieldVisitor& inVisitor )
     if ( not uid.IsEmpty() )
         mUID = uid;
     else if ( not uid.IsNull() )
-        inVisitor.NoteRepair( "UID2", u"an empty UID is nobody's; there is a new one" );
+        inVisitor.NoteRepair( "UID2", u"an empty UID is nobody's; there is a new one", MLoadRule::kUIDAdded );
     else if ( inVisitor.HasKey( "UID" ) )
         inVisitor.NoteOlderKey( "UID", "UID2" );
 }

@@ -23,7 +23,7 @@ void DescribeSmall( HFieldVisitor& inVisitor, HFieldKey inKey, std::int8_t& ioVa
     if ( value >= Limits::min() and value <= Limits::max() )
         ioValue = std::int8_t( value );
     else
-        inVisitor.NoteRepair( inKey, u"it is no part of a time of day; the default stands" );
+        inVisitor.NoteRepair( inKey, u"it is no part of a time of day; the default stands", MLoadRule::kOutOfRange );
 }
 } // namespace
 
@@ -52,7 +52,8 @@ void TTimeTrigger::DescribeRepeat( HFieldVisitor& inVisitor )
     if ( mExecuteType == ExecuteType::kWhile and mRepeatTime <= 0 )
     {
         mRepeatTime = 60;
-        inVisitor.NoteRepair( "RepeatTime", u"it repeats after a time above 0; 60 seconds stand" );
+        inVisitor.NoteRepair(
+            "RepeatTime", u"it repeats after a time above 0; 60 seconds stand", MLoadRule::kOutOfRange );
     }
 }
 
@@ -64,12 +65,12 @@ void TTimeTrigger::DescribeDays( HFieldVisitor& inVisitor )
         return;
     if ( mask < 0 or mask > std::numeric_limits<std::uint16_t>::max() )
     {
-        inVisitor.NoteRepair( "WhichDays", u"it is no mask of days; the default stands" );
+        inVisitor.NoteRepair( "WhichDays", u"it is no mask of days; the default stands", MLoadRule::kOutOfRange );
         return;
     }
     SetWhichDaysBits( std::uint16_t( mask ) );
     if ( mWhichDays != mask )
-        inVisitor.NoteRepair( "WhichDays", u"a week has seven days" );
+        inVisitor.NoteRepair( "WhichDays", u"a week has seven days", MLoadRule::kOutOfRange );
 }
 
 void TTimeTrigger::LoadSubclassFromDictionary( const XPlistDictionary& inDictionary )

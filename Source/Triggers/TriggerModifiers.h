@@ -12,5 +12,5 @@ inline void DescribeTriggerModifiers(
     if ( not inVisitor.IsReading() or ( ioModifiers & ~kModifiersMask ) == 0 )
         return;
     ioModifiers &= kModifiersMask;
-    inVisitor.NoteRepair( inKey, u"only command, shift, option and control count" );
+    inVisitor.NoteRepair( inKey, u"only command, shift, option and control count", MLoadRule::kOutOfRange );
 }

@@ -43,7 +43,7 @@ public:
     {
         mText += UTF8FromText( inOlder ) + ">" + UTF8FromText( inCurrent ) + ";";
     }
-    void DidRepair( const XPlistDictionary&, const XKey& inKey, TextView ) override
+    void DidRepair( const XPlistDictionary&, const XKey& inKey, MLoadRule, TextView ) override
     {
         mText += "repaired " + std::string( inKey.Name() ) + ";";
     }

@@ -146,7 +146,7 @@ public:
         mTypes.emplace_back( inOlder, inCurrent );
     }
     void DidUpgradeValue( const XPlistDictionary&, const XKey&, TextView ) override {}
-    void DidRepair( const XPlistDictionary&, const XKey&, TextView ) override {}
+    void DidRepair( const XPlistDictionary&, const XKey&, MLoadRule, TextView ) override {}
     void DidReadUID( const XPlistDictionary&, const XText&, const XText& ) override {}
 
     std::vector<std::pair<Text, Text>> mTypes;

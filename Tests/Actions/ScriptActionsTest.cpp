@@ -21,7 +21,7 @@ public:
         mText += std::string( inOlder.Name() ) + ">" + std::string( inCurrent.Name() ) + ";";
     }
     void DidUpgradeType( const XPlistDictionary&, TextView, TextView ) override {}
-    void DidRepair( const XPlistDictionary&, const XKey& inKey, TextView ) override
+    void DidRepair( const XPlistDictionary&, const XKey& inKey, MLoadRule, TextView ) override
     {
         mText += "repaired " + std::string( inKey.Name() ) + ";";
     }

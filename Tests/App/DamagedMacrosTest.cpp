@@ -82,7 +82,7 @@ testing::AssertionResult IsRefusedOrReported( std::span<const std::uint8_t> inBy
     const MFileCheck again = CheckFile( saved );
     for ( const MFinding& finding : again.mFindings )
     {
-        if ( finding.mIsLoss )
+        if ( finding.IsLoss() )
             return testing::AssertionFailure() << "what was saved would lose " << UTF8FromText( finding.mPath ) << " "
                                                << UTF8FromText( finding.mKey ) << ": " << UTF8FromText( finding.mText );
     }

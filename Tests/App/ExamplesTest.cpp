@@ -110,6 +110,17 @@ TEST( Examples, TheWideOneHasEveryKindOfTrigger )
         EXPECT_TRUE( check.mContents.mTriggersByKind.contains( std::string( kind ) ) ) << kind;
 }
 
+// Rules that nothing shows are rules that nobody has seen at work.
+TEST( Examples, TheDamagedOnesShowEveryRule )
+{
+    const KorvalenResult result =
+        RunKorvalenWith( { "check", "--json", Example( "Damaged.plist" ), Example( "DoubledKeys.plist" ) } );
+    EXPECT_EQ( result.mStatus, 1 );
+    for ( const MLoadRuleRow& row : MLoadRules() )
+        EXPECT_NE( result.mOutput.find( "\"rule\": \"" + std::string( row.mID ) + "\"" ), std::string::npos )
+            << row.mID;
+}
+
 TEST( Examples, TheDamagedOneHasEveryKindOfFinding )
 {
     const KorvalenResult result = RunKorvalenWith( { "check", Example( "Damaged.plist" ) } );
@@ -119,24 +130,24 @@ TEST( Examples, TheDamagedOneHasEveryKindOfFinding )
     {
         const char *mPlace, *mRule;
     } kFindings[] = {
-        { "  ! A Group Without Macros", "(dropped)" },
-        { "  ! Global Macro Group › No Triggers", "(dropped)" },
-        { "  ! Global Macro Group › Unknown Types › action 1", "(dropped)" },
-        { "  ! Global Macro Group › Unknown Types › trigger 1", "(dropped)" },
-        { "  ! Keys That Nothing Reads › Extra Keys › action 3 › then action 1 · Flavour", "(unread-key)" },
-        { "  ! Keys That Nothing Reads › Extra Keys › action 2 · TimeOutPeriod", "(setting-lost)" },
-        { "  ! Global Macro Group · Activate", "(repaired)" },
-        { "  ! Global Macro Group · IsActive", "(repaired)" },
-        { "  ! Global Macro Group › Wrong Types · CreationDate", "(wrong-type)" },
+        { "  ! A Group Without Macros", "(dropped-unknown-group)" },
+        { "  ! Global Macro Group › No Triggers", "(dropped-required-key)" },
+        { "  ! Global Macro Group › Unknown Types › action 1", "(dropped-unknown-action)" },
+        { "  ! Global Macro Group › Unknown Types › trigger 1", "(dropped-unknown-trigger)" },
+        { "  ! Keys That Nothing Reads › Extra Keys › action 3 › then action 1 · Flavour", "(unknown-key)" },
+        { "  ! Keys That Nothing Reads › Extra Keys › action 2 · TimeOutPeriod", "(unused-setting)" },
+        { "  ! Global Macro Group · Activate", "(default-group-reset)" },
+        { "  ! Global Macro Group · IsActive", "(default-group-reset)" },
+        { "  ! Global Macro Group › Wrong Types · CreationDate", "(wrong-type-defaulted)" },
         { "  ! Global Macro Group › Doubled Again · UID", "(uid-replaced)" },
-        { "  ~ Global Macro Group › No UID and No Dates · UID", "(uid-replaced)" },
-        { "  ~ Older Forms › Older Keys and Types › action 1 · MacroActionType", "(upgraded)" },
-        { "  ~ Older Forms › Older Keys and Types › action 2 · Count", "(upgraded)" },
-        { "  ~ Older Forms › Older Keys and Types › action 2 › action 1 · Seconds", "(upgraded)" },
-        { "  ~ Older Forms › Older Keys and Types › trigger 2 · MacroTriggerType", "(upgraded)" },
-        { "  ~ Global Macro Group › No UID and No Dates · CreationDate", "(defaulted)" },
-        { "  ~ Written Otherwise › Nothing Is Lost Here · IsActive", "(left-out)" },
-        { "  ~ Written Otherwise › Nothing Is Lost Here · CreationDate", "(changed)" },
+        { "  ~ Global Macro Group › No UID and No Dates · UID", "(uid-added)" },
+        { "  ~ Older Forms › Older Keys and Types › action 1 · MacroActionType", "(older-type)" },
+        { "  ~ Older Forms › Older Keys and Types › action 2 · Count", "(older-key)" },
+        { "  ~ Older Forms › Older Keys and Types › action 2 › action 1 · Seconds", "(older-key)" },
+        { "  ~ Older Forms › Older Keys and Types › trigger 2 · MacroTriggerType", "(older-type)" },
+        { "  ~ Global Macro Group › No UID and No Dates · CreationDate", "(default-written)" },
+        { "  ~ Written Otherwise › Nothing Is Lost Here · IsActive", "(key-without-effect)" },
+        { "  ~ Written Otherwise › Nothing Is Lost Here · CreationDate", "(number-form)" },
     };
     for ( const auto& [place, rule] : kFindings )
     {

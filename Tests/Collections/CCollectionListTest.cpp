@@ -138,12 +138,12 @@ TEST( CCollectionList, TheLoadObserverHearsOfLossesAndOlderForms )
         {
             mHeard += kvr_format( "%@ for %@;", inOlder.Name(), inCurrent.Name() );
         }
-        void DidUpgradeType( const XPlistDictionary&, TextView, TextView ) override {}
-        void DidUpgradeValue( const XPlistDictionary&, const XKey& inKey, TextView ) override
+        void DidUpgradeType( const XPlistDictionary&, TextView inOlder, TextView inCurrent ) override
         {
-            mHeard += kvr_format( "upgrade %@;", inKey.Name() );
+            mHeard += kvr_format( "%@ is now %@;", inOlder, inCurrent );
         }
-        void DidRepair( const XPlistDictionary&, const XKey& inKey, TextView ) override
+        void DidUpgradeValue( const XPlistDictionary&, const XKey&, TextView ) override {}
+        void DidRepair( const XPlistDictionary&, const XKey& inKey, MLoadRule, TextView ) override
         {
             mHeard += kvr_format( "repair %@;", inKey.Name() );
         }
@@ -157,7 +157,7 @@ TEST( CCollectionList, TheLoadObserverHearsOfLossesAndOlderForms )
         Collection( u"Files", { { "Recursive", Bool( true ) } } ),
         Dict( { { "CollectionType2", Str( u"JSON" ) } } ) } ) );
     EXPECT_EQ( UTF8FromText( observer.mHeard ),
-        "drop 0 good;upgrade CollectionType;Recursive for SortOrder;CollectionType2 for CollectionType;" );
+        "drop 0 good;LinesInFile is now LinesIn;Recursive for SortOrder;CollectionType2 for CollectionType;" );
 
     observer.mHeard.clear();
     for ( const auto& wrong :

@@ -39,7 +39,7 @@ public:
     }
     void DidUpgradeType( const XPlistDictionary&, TextView, TextView ) override {}
     void DidUpgradeValue( const XPlistDictionary&, const XKey&, TextView ) override {}
-    void DidRepair( const XPlistDictionary&, const XKey& inKey, TextView ) override
+    void DidRepair( const XPlistDictionary&, const XKey& inKey, MLoadRule, TextView ) override
     {
         mRepaired.emplace_back( inKey.Name() );
     }

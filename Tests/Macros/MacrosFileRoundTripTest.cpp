@@ -11,7 +11,7 @@ std::string Listed( const std::vector<MFinding>& inFindings )
 {
     std::string list;
     for ( const MFinding& finding : inFindings )
-        list += std::string( NameOf( finding.mRule ) ) + ( finding.mIsLoss ? "!" : "" ) + " " +
+        list += std::string( RowOf( finding.mRule ).mID ) + ( finding.IsLoss() ? "!" : "" ) + " " +
             UTF8FromText( finding.mPath ) + " " + UTF8FromText( finding.mKey ) + ": " + UTF8FromText( finding.mText ) +
             "\n";
     return list;

@@ -51,7 +51,7 @@ public:
     {
         mNotes.push_back( "upgraded " + std::string( inKey.Name() ) );
     }
-    void DidRepair( const XPlistDictionary&, const XKey& inKey, TextView ) override
+    void DidRepair( const XPlistDictionary&, const XKey& inKey, MLoadRule, TextView ) override
     {
         mNotes.push_back( "repaired " + std::string( inKey.Name() ) );
     }
