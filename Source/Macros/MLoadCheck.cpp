@@ -266,7 +266,8 @@ void Checker::WalkElement( const __SafeCFPropertyList& inOld, const __SafeCFProp
     if ( source and saved )
     {
         // Only macros and groups have a UID that the recorder heard of.
-        const MLoadRecorder::UIDs uids = mRecorder.TakeUIDs( *source );
+        const bool isMacro = mStep and mStep->mKey == u"Macros";
+        const MLoadRecorder::UIDs uids = isMacro ? mRecorder.TakeUIDs( *source ) : MLoadRecorder::UIDs();
         if ( not uids.mObject.IsNull() )
             NoteUID( uids );
         WalkDictionary( *source, *saved );

@@ -3,6 +3,7 @@
 
 #include "App/CheckSARIF.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace
@@ -85,8 +86,8 @@ TEST_F( CheckVerb, WrongUsageIsToldWithWhatIsNear )
         { { "--ignore", "older-keys", mFile }, "there is no rule “older-keys”; near it “older-key”" },
         { { "--ignore", "unknown-key,xyzzy", mFile }, "there is no rule “xyzzy”; “korvalen check --rules” lists all" },
         { { "--format", "xml", mFile }, "--format" },
-        { { "--json", "--format", "sarif", mFile }, "--json excludes --format" },
-        { { "--rules", mFile }, "--rules excludes FILE" },
+        { { "--json", "--format", "sarif", mFile }, "--format excludes --json" },
+        { { "--rules", mFile }, "FILE excludes --rules" },
         { {}, "FILE is required" },
     };
     for ( auto [arguments, complaint] : kCases )
