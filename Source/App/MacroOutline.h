@@ -9,5 +9,7 @@
 void PrintOutline( const MMacroSerializedObject& inObject, Output& ioOutput );
 
 /// The same facts as a value, for JSON: "kind", "name", "uid", "active", and by kind "group", "triggers", "actions",
-/// "macros" or "searchStrings". An action has "type", "title", "description", "active" and, if it holds others, "lists".
+/// "macros" or "searchStrings". An action has "type", "title", "description", "active" and, where there is such a
+/// thing: "does", the description that a name of the user's hides; "conditions" or "collections", when there are several;
+/// "details", what else is worth telling; "notes"; "colour"; and "lists" of the actions that it holds.
 [[nodiscard]] __SafeCFPropertyList OutlineAsValue( const MMacroSerializedObject& inObject );
