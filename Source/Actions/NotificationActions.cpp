@@ -23,6 +23,12 @@ void AAlert::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Text( "SoundPath", mSoundPath );
 }
 
+// The text is the description where there is no title.
+Text AAlert::GetActionExtraHTML() const
+{
+    return mTitle.IsEmpty() ? Text() : kvr_extraHTMLLine( u"kvAlertTextExtraHTMLFormat", kvr_excerpt( mText ) );
+}
+
 Text AAlert::InternalGetActionDescriptionString() const
 {
     const XText& shown = mTitle.IsEmpty() ? mText : mTitle;
@@ -61,6 +67,14 @@ void ANotification::DescribeFields( HFieldVisitor& inVisitor )
     inVisitor.Text( "Subtitle", mSubtitle );
     inVisitor.Text( "Text", mText );
     inVisitor.Text( "SoundName", mSoundName );
+}
+
+Text ANotification::GetActionExtraHTML() const
+{
+    const Text subtitle = kvr_extraHTMLLine( u"kvNotificationSubtitleExtraHTMLFormat", kvr_excerpt( mSubtitle ) );
+    if ( mTitle.IsEmpty() )
+        return subtitle;
+    return subtitle + kvr_extraHTMLLine( u"kvNotificationTextExtraHTMLFormat", kvr_excerpt( mText ) );
 }
 
 Text ANotification::InternalGetActionDescriptionString() const

@@ -8,6 +8,7 @@ class AAlert final : public HActionOf<AAlert, HActionType::kAlert>
 {
 public:
     void DescribeFields( HFieldVisitor& inVisitor ) override;
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;
@@ -38,6 +39,7 @@ public:
 
     void SetTitle( const XText& inTitle ) { mTitle = inTitle; }
     void SetText( const XText& inText ) { mText = inText; }
+    [[nodiscard]] Text GetActionExtraHTML() const override;
 
 protected:
     [[nodiscard]] Text InternalGetActionDescriptionString() const override;

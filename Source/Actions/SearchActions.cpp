@@ -76,10 +76,10 @@ std::vector<Text> ASearchReplace::ActionCouldBeRegExStrings() const
 
 Text ASearchReplace::InternalGetActionDescriptionString() const
 {
-    const Text description =
-        kvr_localizedFormat( kvr_format( "kvSearchReplace%@DescriptionFormat", StoredName( mFields.mAction ) ),
-            TextView( mSource.GetActionDescriptionString() ), TextView( kvr_excerpt( mFields.mSearch ) ),
-            TextView( kvr_excerpt( mFields.mReplace ) ) );
+    const Text key = kvr_format( "kvSearchReplace%@%@DescriptionFormat", StoredName( mFields.mAction ),
+        TextView( mFields.mReplace.IsEmpty() ? u"Delete" : u"" ) );
+    const Text description = kvr_localizedFormat( key, TextView( mSource.GetActionDescriptionString() ),
+        TextView( kvr_excerpt( mFields.mSearch ) ), TextView( kvr_excerpt( mFields.mReplace ) ) );
     return kvr_withDestination( description, mDestination );
 }
 
