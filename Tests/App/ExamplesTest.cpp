@@ -157,13 +157,13 @@ TEST( Examples, SeveralConditionsOrCollectionsAreShownOnLinesOfTheirOwn )
     constexpr std::pair<const char*, const char*> kShown[] = {
         { "Deciding",
             "    1. If Any of the Following Are True:\n"
-            "      - Variable “Answer” Is “yes”\n"
-            "      - Title of the Front Window of the Front Application Contains “Draft”\n"
+            "       - Variable “Answer” Is “yes”\n"
+            "       - Title of the Front Window of the Front Application Contains “Draft”\n"
             "      Then:\n" },
         { "Looping",
             "    1. For Each Value of “Line” in the Following Collections:\n"
-            "      - The Numbers from 1 to 10\n"
-            "      - The Lines in System Clipboard\n"
+            "       - The Numbers from 1 to 10\n"
+            "       - The Lines in the System Clipboard\n"
             "      1. While Calculation “MOUSEX() < 100” Is Not Zero\n" },
     };
     for ( const auto& [macro, lines] : kShown )

@@ -47,5 +47,6 @@ TEST_F( MacroOutlines, TriggersAreALineEachWithoutThoseThatCouldNeverFire )
 {
     EXPECT_THAT( Show( { "Morning" } ),
         HasSubstr( "  Triggered by:\n    - The hot key ⌃⌥N is pressed\n"
-                   "    - At the times of the cron expression “0 9 * * MON-FRI”\n  Does nothing\n" ) );
+                   "    - At the times of the cron expression “0 9 * * MON-FRI”: At 9:00 on Mon-Fri in every month\n"
+                   "  Does nothing\n" ) );
 }
