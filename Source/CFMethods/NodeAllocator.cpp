@@ -182,13 +182,13 @@ void* NodeAllocator::AllocateObject( std::size_t inBytes )
     return ::operator new( inBytes );
 }
 
-void NodeAllocator::FreeObject( void* inObject, std::size_t inBytes )
+void NodeAllocator::FreeObject( void* inObject, [[maybe_unused]] std::size_t inBytes )
 {
 #ifndef KORVALEN_NODES_ON_HEAP
     if ( inBytes <= kMostBytes )
         return Free( inObject );
 #endif
-    ::operator delete( inObject, inBytes );
+    ::operator delete( inObject );
 }
 
 NodeAllocator::HeapForTesting::HeapForTesting()

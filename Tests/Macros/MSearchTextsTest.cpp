@@ -107,7 +107,7 @@ TEST_F( SearchTexts, SearchesSeeEveryChangeAtOnce )
         FoundGroup( u"H" ).InsertMacro( std::unique_ptr<MMacro>( &macro ) );
     } );
     Check( "delete a macro that others name", [] { FoundGroup( u"H" ).DeleteMacro( &FoundMacro( u"1" ) ); } );
-    Check( "let appear what others name already", [this] {
+    Check( "let appear what others name already", [] {
         const InsertionScope insertion;
         FoundGroup( u"G" ).InsertMacro(
             std::make_unique<MMacro>( MacroWith( u"absent", { { "Name", Str( u"appeared" ) } } ) ) );
@@ -129,7 +129,7 @@ TEST_F( SearchTexts, TimesGoByAndUsesCountWithoutAnyChange )
 {
     OneMacroWasUsed stats;
     HMacroStats::SetCurrent( &stats );
-    const auto finds = [this]( TextView query ) {
+    const auto finds = []( TextView query ) {
         StringSearcher searcher{ query };
         return FoundMacro( u"1" ).MatchesTextSearch( searcher );
     };
