@@ -121,8 +121,11 @@ public:
     /// The number of an equal leaf, or of this one, which is then appended to the objects.
     std::uint32_t NumberOf( const XPlistNode* inLeaf, bool& outNew )
     {
-        // Keys and other shared nodes come again and again: their addresses answer first.
-        Recent& recent = mRecent[( reinterpret_cast<std::uintptr_t>( inLeaf ) >> 5 ) % std::size( mRecent )];
+        // Keys and other shared nodes come again and again: their addresses answer first. Those that live for ever stand
+        // apart, or the many that come once would push them out.
+        const auto address = reinterpret_cast<std::uintptr_t>( inLeaf ) >> 3;
+        Recent& recent = XPlistMaker::LivesForever( inLeaf ) ? mForever[( address ^ address >> 13 ) % mForever.size()]
+                                                             : mRecent[address % std::size( mRecent )];
         outNew = false;
         if ( recent.mNode == inLeaf )
             return recent.mNumber;
@@ -207,6 +210,7 @@ private:
     std::vector<Slot> mSlots;
     std::size_t mCount = 0;
     Recent mRecent[2048];
+    std::vector<Recent> mForever = std::vector<Recent>( 8192 );
 };
 
 class Writer

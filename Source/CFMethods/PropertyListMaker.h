@@ -53,6 +53,7 @@ struct XPlistMaker
     {
         return static_cast<XPlistContainer*>( inContainer )->mLinkHigh;
     }
+    static bool LivesForever( const XPlistNode* inNode ) { return inNode->mFlags & XPlistNode::kForeverFlag; }
     static bool IsInternedString( const XPlistNode* inNode ) { return inNode->mFlags & XPlistNode::kInternedFlag; }
     /// Has the string been through XPlistString::Intern?
     static bool IsKeyString( const XPlistNode* inNode )
