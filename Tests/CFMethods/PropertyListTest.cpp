@@ -212,13 +212,15 @@ TEST( PropertyList, StringsOfEqualUnitsAreEqualHoweverTheyWereMade )
 
 TEST( PropertyList, KeysOfEqualContentAreOneStringForAsLongAsSomebodyHoldsIt )
 {
-    auto first = XPlistString::InternASCII( "PropertyListTest.Key" );
-    const auto shared = XPlistString::Make( u"PropertyListTest.Key" );
+    // Too long to be one of those that live for ever.
+    constexpr std::string_view kKey = "PropertyListTest.KeysOfEqualContentAreOneStringForAsLongAsSomebodyHoldsIt";
+    auto first = XPlistString::InternASCII( kKey );
+    const auto shared = XPlistString::MakeASCII( kKey );
     const auto second = XPlistString::Intern( shared );
     EXPECT_EQ( first.GetCFRef(), second.GetCFRef() );
     EXPECT_FALSE( shared->IsInterned() ) << "a string that others hold isn't marked behind their backs";
     EXPECT_EQ( first->GetRetainCount(), 2u );
-    EXPECT_EQ( first->KeyHash(), CFSTR( "PropertyListTest.Key" ).Hash() );
+    EXPECT_EQ( first->KeyHash(), XKey( kKey ).Hash() );
     const auto wide = XPlistString::Intern( XPlistString::Make( u"Größe" ) );
     EXPECT_EQ( wide.GetCFRef(), XPlistString::Intern( XPlistString::Make( u"Größe" ) ).GetCFRef() );
     EXPECT_NE( wide.GetCFRef(), XPlistString::Intern( XPlistString::Make( u"Grösse" ) ).GetCFRef() );

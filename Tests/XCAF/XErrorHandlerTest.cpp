@@ -314,6 +314,8 @@ TEST_F( Logging, ManyThreadsLogWhileTheProcessQuits )
     XThreadedWork work( XClock::System() );
     const XWork::Substitute inUse( work );
     Restart( u"XTask" );
+    // The first question reads the preference, and whoever asks meanwhile hears that the tag is off.
+    ASSERT_TRUE( XErrorHandler::MaybeShouldLog( "XTask" ) );
     std::vector<std::thread> threads;
     for ( int thread = 0; thread < 4; ++thread )
     {
