@@ -75,7 +75,8 @@ ExitStatus RunVerb( const VerbList& inVerbs, VerbContext& ioContext )
 }
 } // namespace
 
-ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileInput& inInput, Output& ioOutput )
+ExitStatus RunKorvalen(
+    const std::vector<std::string>& inArguments, const FileInput& inInput, Output& ioOutput, bool inIsInEditor )
 {
     try
     {
@@ -106,7 +107,7 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         {
             return ComplainAboutUsage( program, error, ioOutput );
         }
-        VerbContext context{ ioOutput, inInput };
+        VerbContext context{ ioOutput, inInput, inArguments, inIsInEditor };
         return RunVerb( verbs, context );
     }
     catch ( const FileTrouble& trouble )

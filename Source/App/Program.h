@@ -10,5 +10,5 @@
 #include <vector>
 
 /// Runs the program with arguments that don't include its name. It never throws. Standard output isn't flushed.
-[[nodiscard]] ExitStatus RunKorvalen(
-    const std::vector<std::string>& inArguments, const FileInput& inInput, Output& ioOutput );
+[[nodiscard]] ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileInput& inInput,
+    Output& ioOutput, bool inIsInEditor = false );

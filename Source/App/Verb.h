@@ -7,6 +7,7 @@
 #include "App/Output.h"
 
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace CLI
@@ -26,6 +27,10 @@ struct VerbContext
 {
     Output& mOutput;
     const FileInput& mInput;
+    /// The arguments as they were given, the verb's name first; for handing them to another process.
+    const std::vector<std::string>& mArguments;
+    /// This process is the editor already, and does for another process what that was asked for.
+    bool mIsInEditor = false;
 };
 
 class Verb
@@ -46,6 +51,21 @@ public:
 
 private:
     CLI::App& mCommand;
+};
+
+/// A verb that works on the macros of the data folder. When an editor has the folder, that one runs it; otherwise this
+/// process is the editor for that moment: it takes the folder, starts without engine and windows, runs the
+/// verb, and stops in order, so that everything is saved when the program ends.
+class EditorVerb : public Verb
+{
+public:
+    using Verb::Verb;
+    [[nodiscard]] ExitStatus Run( VerbContext& ioContext ) final;
+
+protected:
+    /// Does the work in the editor: the domain is loaded, and every change goes through
+    /// MacrosWindowInterface::NoteChange. Paths among the arguments have been made absolute.
+    [[nodiscard]] virtual ExitStatus RunInEditor( VerbContext& ioContext ) = 0;
 };
 
 using VerbList = std::vector<std::unique_ptr<Verb>>;

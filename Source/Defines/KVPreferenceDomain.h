@@ -25,7 +25,7 @@ public:
     static constexpr std::size_t kMaxFileSize = std::size_t( 64 ) << 20;
 
     /// The file needs not exist; its folder is made by the first write.
-    explicit KVPreferenceDomain( std::filesystem::path inFile, XFileCalls& inCalls = XFileCalls::System() );
+    explicit KVPreferenceDomain( std::filesystem::path inFile, XFileCalls& inCalls = XFileCalls::Current() );
 
     /// The value of a key as the file has it now, or null.
     [[nodiscard]] __SafeCFPropertyList Get( const XKey& inKey );

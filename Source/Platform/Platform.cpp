@@ -2,9 +2,13 @@
 
 #include "Platform/Alerts.h"
 #include "Platform/Applications.h"
+#include "Platform/EditorService.h"
 #include "Platform/FileFacts.h"
+#include "Platform/LoginItems.h"
 #include "Platform/ProcessNotifications.h"
+#include "Platform/RunningApplications.h"
 #include "Platform/SearchIndex.h"
+#include "Platform/Workspace.h"
 
 #include <atomic>
 
@@ -17,8 +21,12 @@ Platform::Platform()
     : mAlerts( &XAlerts::Absent() ),
       mApplications( &XApplications::Absent() ),
       mFileFacts( &XDesktopFileFacts::Absent() ),
+      mEditorService( &XEditorService::Absent() ),
+      mLoginItems( &XLoginItems::Absent() ),
       mProcessNotifier( &XProcessNotifier::Absent() ),
-      mSearchIndex( &XSearchIndex::Absent() )
+      mRunningApplications( &XRunningApplications::Absent() ),
+      mSearchIndex( &XSearchIndex::Absent() ),
+      mWorkspace( &XWorkspace::Absent() )
 {}
 
 const Platform& Platform::Current()

@@ -11,8 +11,12 @@
 class XAlerts;
 class XApplications;
 class XDesktopFileFacts;
+class XEditorService;
+class XLoginItems;
 class XProcessNotifier;
+class XRunningApplications;
 class XSearchIndex;
+class XWorkspace;
 
 class Platform
 {
@@ -23,15 +27,23 @@ public:
     [[nodiscard]] XAlerts& Alerts() const { return *mAlerts; }
     [[nodiscard]] XApplications& Applications() const { return *mApplications; }
     [[nodiscard]] XDesktopFileFacts& FileFacts() const { return *mFileFacts; }
+    [[nodiscard]] XEditorService& EditorService() const { return *mEditorService; }
+    [[nodiscard]] XLoginItems& LoginItems() const { return *mLoginItems; }
     [[nodiscard]] XProcessNotifier& ProcessNotifier() const { return *mProcessNotifier; }
+    [[nodiscard]] XRunningApplications& RunningApplications() const { return *mRunningApplications; }
     [[nodiscard]] XSearchIndex& SearchIndex() const { return *mSearchIndex; }
+    [[nodiscard]] XWorkspace& Workspace() const { return *mWorkspace; }
 
     // The service must outlive the platform's use.
     void SetAlerts( XAlerts& inService ) { mAlerts = &inService; }
     void SetApplications( XApplications& inService ) { mApplications = &inService; }
     void SetFileFacts( XDesktopFileFacts& inService ) { mFileFacts = &inService; }
+    void SetEditorService( XEditorService& inService ) { mEditorService = &inService; }
+    void SetLoginItems( XLoginItems& inService ) { mLoginItems = &inService; }
     void SetProcessNotifier( XProcessNotifier& inService ) { mProcessNotifier = &inService; }
+    void SetRunningApplications( XRunningApplications& inService ) { mRunningApplications = &inService; }
     void SetSearchIndex( XSearchIndex& inService ) { mSearchIndex = &inService; }
+    void SetWorkspace( XWorkspace& inService ) { mWorkspace = &inService; }
 
     /// The platform in use: the absent set unless another was substituted. Any thread.
     [[nodiscard]] static const Platform& Current();
@@ -54,6 +66,10 @@ private:
     XAlerts* mAlerts;
     XApplications* mApplications;
     XDesktopFileFacts* mFileFacts;
+    XEditorService* mEditorService;
+    XLoginItems* mLoginItems;
     XProcessNotifier* mProcessNotifier;
+    XRunningApplications* mRunningApplications;
     XSearchIndex* mSearchIndex;
+    XWorkspace* mWorkspace;
 };

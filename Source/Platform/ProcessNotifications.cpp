@@ -5,7 +5,7 @@ namespace
 class AbsentNotifier final : public XProcessNotifier
 {
 public:
-    void Post( TextView, const CFContainer<XPlistDictionary>& ) override {}
+    void Post( TextView, const CFContainer<XPlistDictionary>&, Audience ) override {}
     void SetReceiver( Receiver ) override {}
 };
 } // namespace

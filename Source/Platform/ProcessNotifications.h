@@ -5,19 +5,25 @@
 #include "CFMethods/PropertyList.h"
 #include "CFMethods/Text.h"
 
+#include <cstdint>
 #include <functional>
 
 class XProcessNotifier
 {
 public:
-    /// Takes what another process posted. Called on the main thread.
-    using Receiver = std::function<void( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo )>;
+    enum class Audience : std::uint8_t {
+        kEverybody,
+        kEngineOnly, ///< the engine and nobody else; dropped when no engine is there
+    };
+    /// Takes what another process posted, and whether that process is the engine. Called on the main thread.
+    using Receiver =
+        std::function<void( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool inFromEngine )>;
 
     virtual ~XProcessNotifier() = default;
 
     /// Posts to other processes, without waiting, delivery or order being sure only while they run. The
     /// payload is a flat dictionary of property-list values, or null for none. Main thread.
-    virtual void Post( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo ) = 0;
+    virtual void Post( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, Audience inAudience ) = 0;
     /// Hands what other processes post to the receiver, never what this process posted; empty for nobody.
     /// Main thread.
     virtual void SetReceiver( Receiver inReceiver ) = 0;

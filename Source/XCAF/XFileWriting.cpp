@@ -8,7 +8,9 @@
 #include "Utility/Work/Random.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -23,6 +25,8 @@ constexpr int kMostLinks = 40;                  // as the system's own limit
 constexpr int kMostInterruptions = 100;         // a signal may interrupt a call; not for ever
 constexpr int kMostNames = 16;
 constexpr std::size_t kFirstPipeRead = 64 * 1024;
+
+std::atomic<XFileCalls*> gFileCalls{ nullptr };
 
 XFileStatus FactsFrom( const struct stat& inStat )
 {
@@ -79,6 +83,19 @@ XFileCalls& XFileCalls::System()
     return gSystem;
 }
 
+XFileCalls& XFileCalls::Current()
+{
+    XFileCalls* const calls = gFileCalls.load( std::memory_order_acquire );
+    return calls ? *calls : System();
+}
+
+XFileCalls::Substitute::Substitute( XFileCalls& inCalls ) : mPrevious( gFileCalls.exchange( &inCalls ) ) {}
+
+XFileCalls::Substitute::~Substitute()
+{
+    gFileCalls.store( mPrevious );
+}
+
 int XFileCalls::Open( const std::filesystem::path& inPath, OpenFor inPurpose )
 {
     switch ( inPurpose )
@@ -89,6 +106,8 @@ int XFileCalls::Open( const std::filesystem::path& inPath, OpenFor inPurpose )
         return ::open( inPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateMode );
     case OpenFor::kLock:
         return ::open( inPath.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kPrivateMode );
+    case OpenFor::kUpdate:
+        return ::open( inPath.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY );
     case OpenFor::kFolder:
         break;
     }
@@ -125,6 +144,16 @@ int XFileCalls::Lock( int inFile )
     return ::flock( inFile, LOCK_EX );
 }
 
+int XFileCalls::TryLock( int inFile )
+{
+    return ::flock( inFile, LOCK_EX | LOCK_NB );
+}
+
+int XFileCalls::Truncate( int inFile, std::uint64_t inSize )
+{
+    return ::ftruncate( inFile, off_t( inSize ) );
+}
+
 int XFileCalls::Close( int inFile )
 {
     return ::close( inFile );
@@ -135,6 +164,15 @@ int XFileCalls::Rename( const std::filesystem::path& inFrom, const std::filesyst
     return ::rename( inFrom.c_str(), inTo.c_str() );
 }
 
+int XFileCalls::RenameToNew( const std::filesystem::path& inFrom, const std::filesystem::path& inTo )
+{
+#ifdef __APPLE__
+    return ::renamex_np( inFrom.c_str(), inTo.c_str(), RENAME_EXCL );
+#else
+    return ::renameat2( AT_FDCWD, inFrom.c_str(), AT_FDCWD, inTo.c_str(), RENAME_NOREPLACE );
+#endif
+}
+
 int XFileCalls::Unlink( const std::filesystem::path& inPath )
 {
     return ::unlink( inPath.c_str() );
@@ -143,6 +181,23 @@ int XFileCalls::Unlink( const std::filesystem::path& inPath )
 int XFileCalls::MakeFolder( const std::filesystem::path& inPath )
 {
     return ::mkdir( inPath.c_str(), 0700 );
+}
+
+int XFileCalls::RemoveFolder( const std::filesystem::path& inPath )
+{
+    return ::rmdir( inPath.c_str() );
+}
+
+int XFileCalls::ReadFolder( const std::filesystem::path& inPath, std::vector<std::string>& outNames )
+{
+    outNames.clear();
+    std::error_code error;
+    std::filesystem::directory_iterator entry( inPath, error );
+    for ( ; not error and entry != std::filesystem::directory_iterator(); entry.increment( error ) )
+        outNames.push_back( entry->path().filename().native() );
+    std::sort( outNames.begin(), outNames.end() );
+    errno = error.value();
+    return error ? -1 : 0;
 }
 
 int XFileCalls::GetFacts( int inFile, XFileStatus& outFacts )

@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 /// What the file system knows of a path or a descriptor.
 struct XFileStatus
@@ -37,6 +38,7 @@ public:
         kRead,      ///< follows links; a named pipe waits for its writer
         kCreateNew, ///< for writing, mode 0600; fails when anything has the name
         kLock,      ///< created with mode 0600 if missing; fails on a link
+        kUpdate,    ///< a file that exists, for reading and writing; fails on a link
         kFolder,
     };
 
@@ -46,11 +48,18 @@ public:
     virtual std::ptrdiff_t Write( int inFile, std::span<const std::uint8_t> inBytes );
     virtual int FSync( int inFile ); ///< to the disk itself, not just to the drive's cache
     virtual int ChangeMode( int inFile, std::uint32_t inMode );
-    virtual int Lock( int inFile ); ///< exclusive and advisory, until the file is closed; waits
+    virtual int Lock( int inFile );    ///< exclusive and advisory, until the file is closed; waits
+    virtual int TryLock( int inFile ); ///< the same without waiting: EWOULDBLOCK when somebody has it
+    virtual int Truncate( int inFile, std::uint64_t inSize );
     virtual int Close( int inFile );
     virtual int Rename( const std::filesystem::path& inFrom, const std::filesystem::path& inTo );
+    /// Fails with EEXIST when the new name is taken.
+    virtual int RenameToNew( const std::filesystem::path& inFrom, const std::filesystem::path& inTo );
     virtual int Unlink( const std::filesystem::path& inPath );
-    virtual int MakeFolder( const std::filesystem::path& inPath ); ///< mode 0700
+    virtual int MakeFolder( const std::filesystem::path& inPath );   ///< mode 0700
+    virtual int RemoveFolder( const std::filesystem::path& inPath ); ///< an empty one
+    /// The names in a folder, sorted, without "." and "..".
+    virtual int ReadFolder( const std::filesystem::path& inPath, std::vector<std::string>& outNames );
     virtual int GetFacts( int inFile, XFileStatus& outFacts );
     virtual int GetPathFacts( const std::filesystem::path& inPath, XFileStatus& outFacts ); ///< follows links
     virtual int GetLinkFacts( const std::filesystem::path& inPath, XFileStatus& outFacts ); ///< of a link itself
@@ -58,6 +67,22 @@ public:
 
     /// The calls of the system. It has no state.
     [[nodiscard]] static XFileCalls& System();
+    /// The calls in use: the system's, unless others were installed. Any thread.
+    [[nodiscard]] static XFileCalls& Current();
+
+    /// Installs calls for as long as this object lives: a disk of a test's own, or one that fails. Main thread, while
+    /// nothing else runs.
+    class Substitute
+    {
+    public:
+        explicit Substitute( XFileCalls& inCalls );
+        ~Substitute();
+        Substitute( const Substitute& ) = delete;
+        Substitute& operator=( const Substitute& ) = delete;
+
+    private:
+        XFileCalls* mPrevious;
+    };
 };
 
 /// Which call failed, on what, and why.
@@ -87,7 +112,7 @@ enum class Links : std::uint8_t {
 /// The new file keeps the old one's mode, and has 0600 when there was none. On failure the target has its old bytes,
 /// except when only the last flush of the folder failed: then it has the new ones, which a power cut might undo.
 [[nodiscard]] std::optional<XFileError> Write( const std::filesystem::path& inPath,
-    std::span<const std::uint8_t> inBytes, Links inLinks = Links::kKeep, XFileCalls& inCalls = XFileCalls::System() );
+    std::span<const std::uint8_t> inBytes, Links inLinks = Links::kKeep, XFileCalls& inCalls = XFileCalls::Current() );
 } // namespace XAtomicFile
 
 struct XFileContent
@@ -100,14 +125,14 @@ struct XFileContent
 /// The bytes of a regular file or pipe, following links. More than so many bytes is an error, and so is a
 /// folder or a device. A file that grows or shrinks meanwhile gives the bytes that were read up to its end.
 [[nodiscard]] XFileContent ReadWholeFile(
-    const std::filesystem::path& inPath, std::size_t inLimit, XFileCalls& inCalls = XFileCalls::System() );
+    const std::filesystem::path& inPath, std::size_t inLimit, XFileCalls& inCalls = XFileCalls::Current() );
 /// The same of a descriptor, which stays open. The path is for messages.
 [[nodiscard]] XFileContent ReadWholeFile(
-    int inFile, const std::filesystem::path& inPath, std::size_t inLimit, XFileCalls& inCalls = XFileCalls::System() );
+    int inFile, const std::filesystem::path& inPath, std::size_t inLimit, XFileCalls& inCalls = XFileCalls::Current() );
 
 /// Makes a folder and the missing ones above it, with mode 0700. A folder that exists is success.
 [[nodiscard]] std::optional<XFileError> MakeFolders(
-    const std::filesystem::path& inPath, XFileCalls& inCalls = XFileCalls::System() );
+    const std::filesystem::path& inPath, XFileCalls& inCalls = XFileCalls::Current() );
 
 /// A descriptor that is closed at the end of the scope.
 class XOpenFile

@@ -148,10 +148,11 @@ void XNotificationCenter::PostNotification(
 {
     // The carrier belongs to the main thread.
     if ( CheckMainThread( "Distributed Notification %@ sent from non-main thread", inName ) )
-        Platform::Current().ProcessNotifier().Post( inName, inUserInfo );
+        Platform::Current().ProcessNotifier().Post( inName, inUserInfo, XProcessNotifier::Audience::kEverybody );
     else
-        XWork::Current().MainQueue()->Async(
-            [name = Text( inName ), inUserInfo] { Platform::Current().ProcessNotifier().Post( name, inUserInfo ); } );
+        XWork::Current().MainQueue()->Async( [name = Text( inName ), inUserInfo] {
+            Platform::Current().ProcessNotifier().Post( name, inUserInfo, XProcessNotifier::Audience::kEverybody );
+        } );
     TheCenter().DeliverSoon( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
 }
 
@@ -169,7 +170,7 @@ void XNotificationCenter::PostApplicationInternalNotification(
 void XNotificationCenter::ListenToOtherProcesses()
 {
     Platform::Current().ProcessNotifier().SetReceiver(
-        []( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo ) {
+        []( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool ) {
             TheCenter().Deliver( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
         } );
 }

@@ -44,7 +44,7 @@ TEST_F( Center, ADistributedNotificationGoesOutOnceAndComesToOurOwnObserversLate
     EXPECT_EQ( mNotifier.mPosts.size(), 1u );
     mWorld.mWork.RunAll();
     EXPECT_EQ( mHeard, "12" );
-    mNotifier.mReceiver( u"KV_A", nullptr ); // another process
+    mNotifier.mReceiver( u"KV_A", nullptr, false ); // another process
     EXPECT_EQ( mHeard, "1212" );
     EXPECT_EQ( mNotifier.mPosts.size(), 1u );
 }

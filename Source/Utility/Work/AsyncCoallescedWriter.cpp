@@ -206,7 +206,8 @@ void AsyncCoallescedWriter::Notify( const std::set<Text>& inSenders )
             payload.SetBoolean( CFSTR( "Engine" ), false );
             payload.SetText( CFSTR( "From" ), TextView( sender ) );
             if ( bNotificationName )
-                Platform::Current().ProcessNotifier().Post( *bNotificationName, payload.Seal() );
+                Platform::Current().ProcessNotifier().Post(
+                    *bNotificationName, payload.Seal(), XProcessNotifier::Audience::kEverybody );
         }
     } );
 }
