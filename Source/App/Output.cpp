@@ -30,6 +30,17 @@ void Output::Bytes( std::string_view inBytes )
     mOutput.write( inBytes.data(), std::streamsize( inBytes.size() ) );
 }
 
+void Output::ErrorBytes( std::string_view inBytes )
+{
+    mErrors.write( inBytes.data(), std::streamsize( inBytes.size() ) );
+}
+
+void Output::Flush()
+{
+    mOutput.flush();
+    mErrors.flush();
+}
+
 void Output::JSON( const __SafeCFPropertyList& inFacts )
 {
     mOutput << WritePropertyListJSON( inFacts );

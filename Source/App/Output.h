@@ -34,6 +34,10 @@ public:
     void Line( std::string_view inUTF8, Colour inColour = Colour::kNone );
     /// Bytes as they are: files, and text that is known to be safe.
     void Bytes( std::string_view inBytes );
+    /// What another process of the program has to complain about, as it came.
+    void ErrorBytes( std::string_view inBytes );
+    /// Hands on what was written so far, for a reader who waits for it.
+    void Flush();
     /// Facts as JSON: the JSON form of property lists.
     void JSON( const __SafeCFPropertyList& inFacts );
 

@@ -75,8 +75,8 @@ ExitStatus RunVerb( const VerbList& inVerbs, VerbContext& ioContext )
 }
 } // namespace
 
-ExitStatus RunKorvalen(
-    const std::vector<std::string>& inArguments, const FileInput& inInput, Output& ioOutput, bool inIsInEditor )
+ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileInput& inInput, Output& ioOutput,
+    const ProgramPlace& inPlace )
 {
     try
     {
@@ -107,7 +107,10 @@ ExitStatus RunKorvalen(
         {
             return ComplainAboutUsage( program, error, ioOutput );
         }
-        VerbContext context{ ioOutput, inInput, inArguments, inIsInEditor };
+        VerbContext context{ ioOutput, inInput, inArguments, inPlace.mIsInEditor, inPlace.mWorkingFolder,
+            inPlace.mHost };
+        if ( context.mWorkingFolder.empty() )
+            context.mWorkingFolder = std::filesystem::current_path();
         return RunVerb( verbs, context );
     }
     catch ( const FileTrouble& trouble )

@@ -6,9 +6,19 @@
 #include "App/Output.h"
 #include "App/Verb.h"
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
-/// Runs the program with arguments that don't include its name. It never throws. Standard output isn't flushed.
+/// Where the program runs.
+struct ProgramPlace
+{
+    EditorHost* mHost = nullptr;          ///< null: the editor runs without the desktop's services
+    bool mIsInEditor = false;             ///< see VerbContext
+    std::filesystem::path mWorkingFolder; ///< empty: the process's
+};
+
+/// Runs the program with arguments that don't include its name; none at all means "run". It never throws. Standard output
+/// isn't flushed.
 [[nodiscard]] ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileInput& inInput,
-    Output& ioOutput, bool inIsInEditor = false );
+    Output& ioOutput, const ProgramPlace& inPlace = {} );

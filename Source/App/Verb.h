@@ -6,6 +6,7 @@
 #include "App/FileInput.h"
 #include "App/Output.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@ namespace CLI
 {
 class App;
 }
+
+class EditorHost;
 
 /// The exit status of the program.
 enum class ExitStatus : int {
@@ -29,8 +32,18 @@ struct VerbContext
     const FileInput& mInput;
     /// The arguments as they were given, the verb's name first; for handing them to another process.
     const std::vector<std::string>& mArguments;
-    /// This process is the editor already, and does for another process what that was asked for.
+    /// Set when this process is the editor already, and does for another process what that was asked for.
     bool mIsInEditor = false;
+    /// What relative paths begin at.
+    std::filesystem::path mWorkingFolder;
+    /// The process around the editor.
+    EditorHost* mHost = nullptr;
+
+    /// A path among the arguments, made absolute; "-" stays.
+    [[nodiscard]] std::string Resolve( const std::string& inPath ) const
+    {
+        return inPath == "-" ? inPath : ( mWorkingFolder / inPath ).string();
+    }
 };
 
 class Verb
@@ -64,7 +77,8 @@ public:
 
 protected:
     /// Does the work in the editor: the domain is loaded, and every change goes through
-    /// MacrosWindowInterface::NoteChange. Paths among the arguments have been made absolute.
+    /// MacrosWindowInterface::NoteChange. Paths among the arguments go through
+    /// VerbContext::Resolve.
     [[nodiscard]] virtual ExitStatus RunInEditor( VerbContext& ioContext ) = 0;
 };
 
@@ -81,6 +95,9 @@ void AddCronVerb( CLI::App& ioProgram, VerbList& ioVerbs );
 
 /// "list", "show" and "convert".
 void AddMacrosFileVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "run".
+void AddRunVerb( CLI::App& ioProgram, VerbList& ioVerbs );
 
 /// "search" and "smart".
 void AddSearchVerbs( CLI::App& ioProgram, VerbList& ioVerbs );

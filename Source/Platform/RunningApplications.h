@@ -37,6 +37,8 @@ public:
         TextView inBundleIdentifier ) const = 0;
     /// Is there any process of that number?
     [[nodiscard]] virtual bool ProcessExists( std::int64_t inProcessIdentifier ) const = 0;
+    /// The file that this process runs; empty when that can't be found out.
+    [[nodiscard]] virtual std::filesystem::path OwnExecutable() const { return {}; }
     /// The engine's executable that belongs to this program; absent when there is none.
     [[nodiscard]] virtual std::optional<std::filesystem::path> EngineExecutable() const = 0;
     /// Starts an application without waiting for it; absent on success, else why not.
