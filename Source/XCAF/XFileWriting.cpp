@@ -459,22 +459,33 @@ XFileContent ReadWholeFile( const std::filesystem::path& inPath, std::size_t inL
 
 std::optional<XFileError> MakeFolders( const std::filesystem::path& inPath, XFileCalls& inCalls )
 {
+    const auto isFolder = [&inCalls]( const std::filesystem::path& path ) {
+        XFileStatus facts;
+        return inCalls.GetPathFacts( path, facts ) == 0 and facts.mKind == XFileStatus::Kind::kFolder;
+    };
+    // Mostly it is there, and asked for again with every path in it.
+    if ( isFolder( inPath ) )
+        return std::nullopt;
     std::filesystem::path made;
     for ( const auto& part : inPath )
     {
         made /= part;
         if ( part.empty() or part == "/" )
             continue;
-        if ( Uninterrupted( [&] { return inCalls.MakeFolder( made ); } ) == 0 or errno == EEXIST )
+        if ( Uninterrupted( [&] { return inCalls.MakeFolder( made ); } ) == 0 )
+        {
+            // What is written into it is only as safe as its own name.
+            const XOpenFile above = XOpenFile::Open( FolderOf( made ), XFileCalls::OpenFor::kFolder, inCalls );
+            if ( above )
+                (void)inCalls.FSync( above.Get() );
             continue;
+        }
         // A folder above may be closed to us for writing and yet be there.
         const int code = errno;
-        std::error_code error;
-        if ( not std::filesystem::is_directory( made, error ) )
+        if ( code != EEXIST and not isFolder( made ) )
             return SystemError( "make folder", made, code );
     }
-    std::error_code error;
-    if ( std::filesystem::is_directory( inPath, error ) )
+    if ( isFolder( inPath ) )
         return std::nullopt;
     return OwnError( "make folder", inPath, "something else has its name" );
 }

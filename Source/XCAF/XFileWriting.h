@@ -130,7 +130,8 @@ struct XFileContent
 [[nodiscard]] XFileContent ReadWholeFile(
     int inFile, const std::filesystem::path& inPath, std::size_t inLimit, XFileCalls& inCalls = XFileCalls::Current() );
 
-/// Makes a folder and the missing ones above it, with mode 0700. A folder that exists is success.
+/// Makes a folder and the missing ones above it, with mode 0700. A folder that exists is success; the names
+/// of those that are made are flushed.
 [[nodiscard]] std::optional<XFileError> MakeFolders(
     const std::filesystem::path& inPath, XFileCalls& inCalls = XFileCalls::Current() );
 
