@@ -38,6 +38,8 @@ inline constexpr PreferenceID kAutoShowInsertActionByNameID{ kEditorDomain, "Aut
 inline constexpr PreferenceID kDebugID{ kEditorDomain, "Debug" };
 inline constexpr PreferenceID kMacRemoteUUIDID{ kEngineDomain, "MacRemoteUUID" };
 inline constexpr PreferenceID kMacUUIDID{ kEngineDomain, "MacUUID" };
+inline constexpr PreferenceID kMacroSharingFileID{ kEditorDomain, "MacroSharingFile" };
+inline constexpr PreferenceID kMacroSharingLockSemaphoreNameID{ kEditorDomain, "MacroSharingLockSemaphoreName" };
 inline constexpr PreferenceID kPreferenceFolderNameID{ kEditorDomain, "PreferenceFolderName" };
 
 /// The result of a read with a target: kFound, or a negative code, and then the target has the default.
