@@ -2,13 +2,16 @@
 
 #include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVPreferences.h"
+#include "Defines/SetAside.h"
 #include "Platform/Alerts.h"
 #include "Platform/Platform.h"
+#include "Utility/Work/Sleep.h"
 #include "Utility/Work/Work.h"
 #include "XCAF/XErrorHandler.h"
-#include "XCAF/XFileWriting.h"
+#include "XCAF/XKernelLock.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <mutex>
 
 namespace
@@ -17,12 +20,22 @@ using KVNotices::Notice;
 
 constexpr std::size_t kMostBytes = std::size_t( 16 ) << 20;
 constexpr std::size_t kMostNotices = 100;
+constexpr int kTries = 200;
+constexpr double kBetweenTries = 0.001;
 
 std::mutex& gMutex()
 {
     static std::mutex gTheMutex;
     return gTheMutex;
 }
+
+/// Notices that couldn't be written. They stand for the file of that path until a later write succeeds.
+struct Unwritten
+{
+    explicit Unwritten( XWork& ) {}
+    std::filesystem::path mFile; // all under the mutex
+    std::vector<Notice> mNotices;
+};
 
 std::filesystem::path NoticesFile()
 {
@@ -36,24 +49,37 @@ Text TextAt( const XPlistDictionary& inDictionary, const XKey& inKey )
     return text.GetText();
 }
 
-std::vector<Notice> ReadNotices()
+Notice NoticeFrom( const XPlistDictionary& inEntry )
 {
+    Notice notice{ TextAt( inEntry, CFSTR( "Identifier" ) ), TextAt( inEntry, CFSTR( "Title" ) ),
+        TextAt( inEntry, CFSTR( "Text" ) ), UTF8FromText( TextAt( inEntry, CFSTR( "Path" ) ) ) };
+    (void)inEntry.Get( CFSTR( "Time" ), notice.mTime );
+    return notice;
+}
+
+/// The notices. What isn't one is left out, and named as a reason to set the file aside before it is replaced.
+std::vector<Notice> ReadNotices( bool& outIsDamaged )
+{
+    outIsDamaged = false;
+    if ( const auto& unwritten = XWork::Current().Shared<Unwritten>(); unwritten.mFile == NoticesFile() )
+        return unwritten.mNotices;
     std::vector<Notice> notices;
     const XFileContent content = ReadWholeFile( NoticesFile(), kMostBytes );
     if ( content.mError )
+    {
+        outIsDamaged = content.mError->mCode != ENOENT;
         return notices;
+    }
     const auto properties = ReadPropertyList( content.mBytes.Span() );
     const XPlistArray* const array = properties.mValue ? properties.mValue.AsArray() : nullptr;
+    outIsDamaged = not array;
     for ( std::size_t i = 0; array and i < array->GetCount(); ++i )
     {
         const __SafeCFPropertyList value = array->GetValueAt( i );
-        const XPlistDictionary* const entry = value.AsDictionary();
-        if ( not entry )
-            continue;
-        Notice notice{ TextAt( *entry, CFSTR( "Identifier" ) ), TextAt( *entry, CFSTR( "Title" ) ),
-            TextAt( *entry, CFSTR( "Text" ) ), UTF8FromText( TextAt( *entry, CFSTR( "Path" ) ) ) };
-        (void)entry->Get( CFSTR( "Time" ), notice.mTime );
-        notices.push_back( std::move( notice ) );
+        if ( const XPlistDictionary* const entry = value.AsDictionary() )
+            notices.push_back( NoticeFrom( *entry ) );
+        else
+            outIsDamaged = true;
     }
     return notices;
 }
@@ -71,9 +97,38 @@ void WriteNotices( const std::vector<Notice>& inNotices )
         entry.SetReal( CFSTR( "Time" ), notice.mTime );
         array.Append( entry.Seal() );
     }
-    if ( const auto error = XAtomicFile::Write(
-             NoticesFile(), WriteBinaryPropertyList( array.Seal() ).Span(), XAtomicFile::Links::kReplace ) )
-        XErrorHandler::PrivateMaybeLogFormat( "always", "Can't keep a notice: %@", error->Describe() );
+    auto& unwritten = XWork::Current().Shared<Unwritten>();
+    unwritten = Unwritten( XWork::Current() );
+    const auto error = XAtomicFile::Write(
+        NoticesFile(), WriteBinaryPropertyList( array.Seal() ).Span(), XAtomicFile::Links::kReplace );
+    if ( not error )
+        return;
+    unwritten.mFile = NoticesFile();
+    unwritten.mNotices = inNotices;
+    XErrorHandler::PrivateMaybeLogFormat( "always", "Can't keep a notice: %@", error->Describe() );
+}
+
+/// Reads, lets the notices be changed, and writes if the change says so; under a lock that other processes respect too.
+void Change( const std::function<bool( std::vector<Notice>& ioNotices )>& inChange )
+{
+    const std::scoped_lock lock( gMutex() );
+    // Held for a few file operations, so a few tries are enough; and a notice that may be lost is better than one
+    // that waits.
+    XKernelLock kernelLock;
+    for ( int i = 0; i < kTries; ++i )
+    {
+        if ( kernelLock.TryTake( KVPreferences::FilePath( u".Korvalen Notices Lock" ) ) !=
+            XKernelLock::Result::kHeldByAnother )
+            break;
+        XSleep::For( kBetweenTries );
+    }
+    bool isDamaged = false;
+    auto notices = ReadNotices( isDamaged );
+    if ( not inChange( notices ) )
+        return;
+    if ( isDamaged )
+        (void)SetAside::KeepFile( SetAside::Kind::kOther, NoticesFile(), u"notices that can't be understood" );
+    WriteNotices( notices );
 }
 
 void Show( const Notice& inNotice )
@@ -89,22 +144,20 @@ void KVNotices::Post( Notice inNotice )
     if ( inNotice.mTime < 1.0 )
         inNotice.mTime = XClock::Current().Now();
     bool isNew = true;
-    {
-        const std::scoped_lock lock( gMutex() );
-        auto notices = ReadNotices();
-        const auto same = std::find_if( notices.begin(), notices.end(), [&]( const Notice& other ) {
+    Change( [&]( std::vector<Notice>& ioNotices ) {
+        const auto same = std::find_if( ioNotices.begin(), ioNotices.end(), [&]( const Notice& other ) {
             return other.mIdentifier == inNotice.mIdentifier and other.mPath == inNotice.mPath;
         } );
-        if ( same != notices.end() )
+        if ( same != ioNotices.end() )
         {
             isNew = same->mText != inNotice.mText;
-            notices.erase( same );
+            ioNotices.erase( same );
         }
-        notices.push_back( inNotice );
-        if ( notices.size() > kMostNotices )
-            notices.erase( notices.begin() );
-        WriteNotices( notices );
-    }
+        ioNotices.push_back( inNotice );
+        if ( ioNotices.size() > kMostNotices )
+            ioNotices.erase( ioNotices.begin() );
+        return true;
+    } );
     if ( isNew )
         Show( inNotice );
 }
@@ -112,7 +165,8 @@ void KVNotices::Post( Notice inNotice )
 std::vector<KVNotices::Notice> KVNotices::Unanswered()
 {
     const std::scoped_lock lock( gMutex() );
-    return ReadNotices();
+    bool isDamaged = false;
+    return ReadNotices( isDamaged );
 }
 
 bool KVNotices::IsUnanswered( TextView inIdentifier )
@@ -124,15 +178,17 @@ bool KVNotices::IsUnanswered( TextView inIdentifier )
 
 void KVNotices::Answer( TextView inIdentifier )
 {
-    const std::scoped_lock lock( gMutex() );
-    auto notices = ReadNotices();
-    if ( std::erase_if( notices, [&]( const Notice& notice ) { return notice.mIdentifier == inIdentifier; } ) > 0 )
-        WriteNotices( notices );
+    Change( [&]( std::vector<Notice>& ioNotices ) {
+        return std::erase_if( ioNotices, [&]( const Notice& notice ) { return notice.mIdentifier == inIdentifier; } ) >
+            0;
+    } );
 }
 
 void KVNotices::AnswerAll()
 {
-    const std::scoped_lock lock( gMutex() );
-    if ( not ReadNotices().empty() )
-        WriteNotices( {} );
+    Change( []( std::vector<Notice>& ioNotices ) {
+        const bool isAny = not ioNotices.empty();
+        ioNotices.clear();
+        return isAny;
+    } );
 }

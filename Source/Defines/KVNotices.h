@@ -1,5 +1,5 @@
 // What the user has to know and may not have seen: kept in a file among the data files until it is answered, shown
-// once when it comes up, and listed by "korvalen status". Any thread may post; the rest is for the main thread.
+// once when it comes up, and listed by "korvalen status". Any thread, and several processes.
 #pragma once
 
 #include "CFMethods/Text.h"
@@ -19,7 +19,7 @@ struct Notice
 };
 
 /// Shows the notice, and keeps it until it is answered. A second one of the same identifier and path replaces the
-/// first, and is shown only when its text is another.
+/// first, and is shown only when its text is another. What can't be written is kept in memory until it can.
 void Post( Notice inNotice );
 /// Those that nobody has answered, the oldest first.
 [[nodiscard]] std::vector<Notice> Unanswered();
