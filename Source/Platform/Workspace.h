@@ -30,6 +30,8 @@ public:
     /// The modifier keys that are held at this moment; see XModifierFlags.
     [[nodiscard]] virtual std::uint32_t ModifierFlags() const { return 0; }
 
+    /// Must the user permit programs to control others? Where it needn't be, the engine is trusted until it says otherwise.
+    [[nodiscard]] virtual bool NeedsAccessibilityPermission() const { return false; }
     /// May this process control other applications? With inAsk the system may ask the user.
     [[nodiscard]] virtual bool IsTrustedForAccessibility( bool /*inAsk*/ ) const { return true; }
     /// One harmless request, after which the system lists this application among those that want to.
