@@ -4,6 +4,7 @@
 #include "Platform/Platform.h"
 #include "Platform/ProcessNotifications.h"
 #include "Utility/Work/Work.h"
+#include "XCAF/KVNotifications.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <algorithm>
@@ -108,6 +109,19 @@ bool CheckMainThread( const char* inFormat, TextView inName )
         Platform::Current().Alerts().SystemLog( kvr_format( inFormat, inName ) );
     return isMain;
 }
+
+// What the engine would refuse doesn't go out; our own observers aren't concerned.
+void PostToOtherProcesses( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo )
+{
+    if ( const auto reason = KVNotifications::CheckPayload( inName, inUserInfo ) )
+    {
+        XErrorHandler::PrivateMaybeLogFormat( "always", "%@ isn't sent to other processes: %@", inName, *reason );
+        return;
+    }
+    using Audience = XProcessNotifier::Audience;
+    Platform::Current().ProcessNotifier().Post(
+        inName, inUserInfo, KVNotifications::IsEngineOnly( inName ) ? Audience::kEngineOnly : Audience::kEverybody );
+}
 } // namespace
 
 void XNotificationCenter::AddCocoaObserver( const void* inTarget, TextView inName, Block inBlock )
@@ -148,11 +162,10 @@ void XNotificationCenter::PostNotification(
 {
     // The carrier belongs to the main thread.
     if ( CheckMainThread( "Distributed Notification %@ sent from non-main thread", inName ) )
-        Platform::Current().ProcessNotifier().Post( inName, inUserInfo, XProcessNotifier::Audience::kEverybody );
+        PostToOtherProcesses( inName, inUserInfo );
     else
-        XWork::Current().MainQueue()->Async( [name = Text( inName ), inUserInfo] {
-            Platform::Current().ProcessNotifier().Post( name, inUserInfo, XProcessNotifier::Audience::kEverybody );
-        } );
+        XWork::Current().MainQueue()->Async(
+            [name = Text( inName ), inUserInfo] { PostToOtherProcesses( name, inUserInfo ); } );
     TheCenter().DeliverSoon( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
 }
 
@@ -170,8 +183,13 @@ void XNotificationCenter::PostApplicationInternalNotification(
 void XNotificationCenter::ListenToOtherProcesses()
 {
     Platform::Current().ProcessNotifier().SetReceiver(
-        []( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool ) {
-            TheCenter().Deliver( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
+        []( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool inFromEngine ) {
+            constexpr std::size_t kMostOfName = 100; // a stranger may have chosen it
+            if ( const auto reason = KVNotifications::CheckReceived( inName, inUserInfo, inFromEngine ) )
+                XErrorHandler::PrivateMaybeLogFormat( "display", "Refused the notification %@ of another process: %@",
+                    inName.substr( 0, kMostOfName ), *reason );
+            else
+                TheCenter().Deliver( Reach::kDistributed, { Text( inName ), nullptr, inUserInfo } );
         } );
 }
 

@@ -31,14 +31,16 @@ void RemoveCocoaObserver( const void* inTarget, TextView inName );
 void RemoveEveryCocoaObserver( const void* inTarget );
 
 /// Posts to other processes at once, and to this one's observers in the next turn of the main
-/// queue. Main thread; from another it is an assertion, and posted all the same, in the next turn.
+/// queue. What makes something run goes to the engine alone, and a payload that KVNotifications doesn't let pass
+/// to nobody but our observers. Main thread; from another it is an assertion, and posted all the same, in the next
+/// turn.
 void PostNotification( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, bool inDeliverImmediately );
 /// Calls the internal observers before it returns. Main thread; from another it is an assertion, and they are
 /// called all the same, in the next turn of the main queue.
 void PostApplicationInternalNotification(
     TextView inName, const void* inObject, const CFContainer<XPlistDictionary>& inUserInfo );
 
-/// Has what other processes post brought to the observers. At start-up, after the platform's set was
+/// Has what other processes post brought to the observers, as far as KVNotifications lets it pass; the rest is logged. At start-up, after the platform's set was
 /// installed. Main thread.
 void ListenToOtherProcesses();
 } // namespace XNotificationCenter
