@@ -1,6 +1,8 @@
 #include "Defines/KVPreferences.h"
 
+#include "Defines/KVNotices.h"
 #include "Defines/KVPreferenceDomain.h"
+#include "Utility/Text/Localization.h"
 #include "Utility/Work/Random.h"
 #include "XCAF/UserFolders.h"
 #include "XCAF/XErrorHandler.h"
@@ -99,20 +101,30 @@ bool IsValidUUID( const XText& inUUID )
     } );
 }
 
-XText ReadOrMakeUUID( State& ioState, const PreferenceID& inID, const char* inLogLine )
+/// What came to pass under a name that the user never sees, so it's told: groups that were disabled here, for one.
+void TellReplacedUUID( const PreferenceID& inID, const XText& inOld, const XText& inNew )
 {
-    bool isRegenerating = false;
+    XErrorHandler::PrivateMaybeLogFormat( "always", "Regenerating %s", inID.Key().Name() );
+    const Text key = TextFromASCII( inID.Key().Name() );
+    KVNotices::Post( { u"Regenerated" + key, kvr_localized( u"kvRegenerated" + key + u"Title" ),
+        kvr_localizedFormat( u"kvRegenerated" + key + u"Format", inOld, inNew ), {} } );
+}
+
+XText ReadOrMakeUUID( State& ioState, const PreferenceID& inID )
+{
+    XText replaced;
     const auto MakeIfNeeded = [&]( const __SafeCFPropertyList& inOld ) {
         const XText old = CFContainer<XPlistString>::Share( inOld.AsString() );
         if ( IsValidUUID( old ) )
             return inOld;
-        isRegenerating = not old.IsEmpty();
+        replaced = old;
         return __SafeCFPropertyList::String( uuidString() );
     };
     const auto value = DomainOf( ioState, inID ).Change( inID.Key(), MakeIfNeeded );
-    if ( isRegenerating )
-        XErrorHandler::PrivateMaybeLogFormat( "always", inLogLine );
-    return CFContainer<XPlistString>::Share( value.AsString() );
+    const XText uuid = CFContainer<XPlistString>::Share( value.AsString() );
+    if ( not replaced.IsEmpty() )
+        TellReplacedUUID( inID, replaced, uuid );
+    return uuid;
 }
 
 std::filesystem::path MadeFolder( std::filesystem::path inFolder )
@@ -129,7 +141,8 @@ std::filesystem::path FindFolderPath( State& ioState )
     Text name = Get( kPreferenceFolderNameID, u"" ).GetText();
     if ( not IsFolderName( name ) )
         name = TextFromASCII( kFolderName );
-    return MadeFolder( kvr_userFolder( "XDG_DATA_HOME", ".local/share" ) / UTF8FromText( name ) );
+    // There never was another place for them on this kind of system.
+    return FolderOfKinds( {}, kvr_userFolder( "XDG_DATA_HOME", ".local/share" ) / UTF8FromText( name ) );
 }
 } // namespace
 
@@ -336,16 +349,15 @@ void UseFolder( const std::filesystem::path& inFolder )
 XText MacUUID()
 {
     const auto state = CurrentState();
-    std::call_once(
-        state->mMacUUIDOnce, [&] { state->mMacUUID = ReadOrMakeUUID( *state, kMacUUIDID, "Regenerating MacUUID" ); } );
+    std::call_once( state->mMacUUIDOnce, [&] { state->mMacUUID = ReadOrMakeUUID( *state, kMacUUIDID ); } );
     return state->mMacUUID;
 }
 
 XText MacRemoteUUID()
 {
     const auto state = CurrentState();
-    std::call_once( state->mMacRemoteUUIDOnce,
-        [&] { state->mMacRemoteUUID = ReadOrMakeUUID( *state, kMacRemoteUUIDID, "Regenerating MacRemoteUUID" ); } );
+    std::call_once(
+        state->mMacRemoteUUIDOnce, [&] { state->mMacRemoteUUID = ReadOrMakeUUID( *state, kMacRemoteUUIDID ); } );
     return state->mMacRemoteUUID;
 }
 

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <optional>
 #include <set>
+#include <span>
 #include <string_view>
 
 namespace KVPreferences
@@ -32,15 +33,34 @@ inline constexpr std::string_view kEditorDomain = "com.tessarine.korvalen.editor
 inline constexpr std::string_view kEngineDomain = "com.tessarine.korvalen.engine";
 inline constexpr std::string_view kLicenceDomain = "com.tessarine.korvalen";
 
-inline constexpr PreferenceID kAssertBeepID{ kEditorDomain, "AssertBeep" };
-inline constexpr PreferenceID kAutoShowActionsID{ kEditorDomain, "AutoShowActions" };
-inline constexpr PreferenceID kAutoShowInsertActionByNameID{ kEditorDomain, "AutoShowInsertActionByName" };
-inline constexpr PreferenceID kDebugID{ kEditorDomain, "Debug" };
-inline constexpr PreferenceID kMacRemoteUUIDID{ kEngineDomain, "MacRemoteUUID" };
-inline constexpr PreferenceID kMacUUIDID{ kEngineDomain, "MacUUID" };
-inline constexpr PreferenceID kMacroSharingFileID{ kEditorDomain, "MacroSharingFile" };
-inline constexpr PreferenceID kMacroSharingLockSemaphoreNameID{ kEditorDomain, "MacroSharingLockSemaphoreName" };
-inline constexpr PreferenceID kPreferenceFolderNameID{ kEditorDomain, "PreferenceFolderName" };
+// A constant for each setting: kAppearanceID and so on.
+#define KV_EDITOR( inWord, inType, inDefault ) inline constexpr PreferenceID k##inWord##ID{ kEditorDomain, #inWord };
+#define KV_ENGINE( inWord, inType, inDefault ) KV_ENGINE_KEY( inWord, #inWord, inType, inDefault )
+#define KV_ENGINE_KEY( inWord, inKey, inType, inDefault )                                                              \
+    inline constexpr PreferenceID k##inWord##ID{ kEngineDomain, inKey };
+#include "Defines/KVPreferenceIDs.def"
+#undef KV_EDITOR
+#undef KV_ENGINE
+#undef KV_ENGINE_KEY
+
+/// What is known of a setting beside its name, for people who look at them.
+enum class PreferenceType : std::uint8_t { kAny, kBoolean, kInteger, kReal, kText, kArray };
+inline constexpr std::string_view kPreferenceTypeNames[] = { "any", "boolean", "integer", "real", "text", "array" };
+static_assert( std::size( kPreferenceTypeNames ) == std::size_t( PreferenceType::kArray ) + 1 );
+struct PreferenceRow
+{
+    std::string_view mConstant; ///< "kAppearanceID"
+    PreferenceID mID;
+    PreferenceType mType;
+    std::string_view mDefault; ///< as text; "" when its readers share none
+};
+/// Those of the editor and then those of the engine, each by key without regard to case.
+[[nodiscard]] std::span<const PreferenceRow> AllPreferences();
+/// The row of a key, or null. No two domains share a key.
+[[nodiscard]] const PreferenceRow* FindPreference( std::string_view inKey );
+
+/// The values of kStatusMenuDisplayType2ID; the number that was stored before them is the index.
+inline constexpr TextView kStatusMenuDisplayTypeNames[] = { u"Alphabetical", u"ByGroup", u"Hierarchical" };
 
 /// The result of a read with a target: kFound, or a negative code, and then the target has the default.
 using ErrorCode = int;
@@ -95,6 +115,14 @@ bool WriteUnsaved();
 /// The folder of all data files; made if needed. In the user's data folder, it is named by "PreferenceFolderName",
 /// which is read once; KORVALEN_HOME or UseFolder is the folder itself.
 [[nodiscard]] std::filesystem::path FolderPath();
+/// Where the data lie when the system has an older place for them and a newer one: the newer one, to which a folder at
+/// the older one is moved unless the newer one exists. If it can't be moved, the data stay in use where they are.
+[[nodiscard]] std::filesystem::path FolderOfKinds(
+    const std::filesystem::path& inOlder, const std::filesystem::path& inNewer );
+/// Clears the data folder, with all folders in it, of files that unfinished writes left, those of which the name's
+/// second to fourth characters are "dat". Our own temporary files go for good; others, which may be somebody's own, to
+/// the trash. Links are left alone. At start-up, before anything is written.
+void RemoveBogusDotDatFiles();
 /// A path in that folder.
 [[nodiscard]] std::filesystem::path FilePath( TextView inName );
 /// A path in a folder of that folder, which is made if needed.
@@ -107,7 +135,8 @@ bool WriteUnsaved();
 void UseFolder( const std::filesystem::path& inFolder );
 
 /// The identity of this computer, which macros name to be disabled on it; made at first use, kept in the settings, and
-/// cached. A stored one that isn't 8 to 64 ASCII letters, digits and hyphens is replaced.
+/// cached. A stored one that isn't 8 to 64 ASCII letters, digits and hyphens is replaced, and a notice tells the old one:
+/// what was disabled by it isn't any more.
 [[nodiscard]] XText MacUUID();
 /// The same for use by remote triggers.
 [[nodiscard]] XText MacRemoteUUID();

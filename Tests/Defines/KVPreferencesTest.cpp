@@ -1,7 +1,9 @@
 #include "Defines/KVPreferences.h"
 
 #include "CFMethods/PropertyListCodec.h"
+#include "Defines/KVNotices.h"
 #include "Defines/KVPreferenceDomain.h"
+#include "Tests/Fakes/ManualWorld.h"
 #include "Tests/Support/LogCapture.h"
 #include "Tests/Support/ScratchFolder.h"
 #include "Utility/Work/Clock.h"
@@ -226,6 +228,7 @@ TEST( KVPreferences, AnIdentityIsMadeOnceAndReplacedOnlyWhenBad )
 {
     XSeededRandom random( 3 );
     const XRandom::Substitute substitute( random );
+    ManualWorld world;
     const OwnSettings settings;
     const XText made = KVPreferences::MacUUID();
     EXPECT_EQ( made.GetLength(), 36u );
@@ -250,16 +253,57 @@ TEST( KVPreferences, AnIdentityIsMadeOnceAndReplacedOnlyWhenBad )
     {
         ASSERT_TRUE( KVPreferences::Set( KVPreferences::kMacUUIDID, XText( stored ) ) );
         KVPreferences::UseFolder( settings.mFolder.Path() ); // as after a new start
-        LogCapture lines;
+        (void)world.mLog.Take();
+        KVNotices::AnswerAll();
         const XText now = KVPreferences::MacUUID();
-        EXPECT_EQ( lines.Take(),
-            stays or stored.empty() ? std::vector<std::string>() : std::vector<std::string>{ "Regenerating MacUUID" } );
+        const bool isTold = not stays and not stored.empty();
+        EXPECT_EQ( world.mLog.CountContaining( "Regenerating MacUUID" ), isTold );
+        const auto notices = KVNotices::Unanswered();
+        ASSERT_EQ( notices.size(), isTold );
+        if ( isTold )
+        {
+            EXPECT_NE( notices[0].mText.find( stored ), Text::npos );
+            EXPECT_NE( notices[0].mText.find( now.GetText() ), Text::npos );
+        }
         EXPECT_EQ( now == TextView( stored ), stays ) << UTF8FromText( stored );
         EXPECT_EQ( KVPreferences::Get( KVPreferences::kMacUUIDID, u"" ), now );
         // Cached: what is stored later counts at the next start.
         ASSERT_TRUE( KVPreferences::Set( KVPreferences::kMacUUIDID, u"another-identity" ) );
         EXPECT_EQ( KVPreferences::MacUUID(), now );
     }
+}
+
+TEST( KVPreferences, EachConstantNamesTheKeyThatIsStored )
+{
+    const struct
+    {
+        KVPreferences::PreferenceID mID;
+        const char *mConstant, *mKey;
+        std::string_view mDomain;
+    } kCases[] = {
+        { KVPreferences::kiPhoneAccessEnabledID, "kiPhoneAccessEnabledID", "iPhoneAccessEnabled",
+            KVPreferences::kEditorDomain },
+        { KVPreferences::kAlert_LocationID, "kAlert_LocationID", "Alert_Location", KVPreferences::kEngineDomain },
+        { KVPreferences::kSaveRecentApplicationsID, "kSaveRecentApplicationsID", "SaveRecentApplicationsID",
+            KVPreferences::kEngineDomain },
+        { KVPreferences::kDepricatedStatusMenuDisplayTypeID, "kDepricatedStatusMenuDisplayTypeID",
+            "StatusMenuDisplayType", KVPreferences::kEngineDomain },
+        { KVPreferences::kStatusMenuDisplayType2ID, "kStatusMenuDisplayType2ID", "StatusMenuDisplayType2",
+            KVPreferences::kEngineDomain },
+        { KVPreferences::kDefunctFixFinderSelectionBugID, "kDefunctFixFinderSelectionBugID", "FixFinderSelectionBug",
+            KVPreferences::kEngineDomain },
+    };
+    for ( const auto& [id, constant, key, domain] : kCases )
+    {
+        EXPECT_EQ( id.Key().Name(), key );
+        EXPECT_EQ( id.Domain(), domain );
+        const auto* const row = KVPreferences::FindPreference( key );
+        ASSERT_TRUE( row ) << key;
+        EXPECT_EQ( row->mConstant, constant );
+        EXPECT_EQ( row->mID.Domain(), domain );
+    }
+    EXPECT_EQ( KVPreferences::FindPreference( "WebServerHTTPPort" )->mDefault, "4490" );
+    EXPECT_FALSE( KVPreferences::FindPreference( "webserverhttpport" ) );
 }
 
 TEST( KVPreferences, AutoShowIsOneSettingOverTwo )
