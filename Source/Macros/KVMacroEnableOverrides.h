@@ -34,6 +34,8 @@ public:
     /// Absent when the engine didn't touch this one.
     [[nodiscard]] std::optional<bool> StateFor( const XText& inUID ) const;
     [[nodiscard]] std::size_t GetCount() const { return mStates.size(); }
+    /// All of them, by UID.
+    [[nodiscard]] const std::unordered_map<XText, bool, XTextHash>& GetStates() const { return mStates; }
 
 private:
     std::unordered_map<XText, bool, XTextHash> mStates; // the last of equal UIDs counts
