@@ -32,6 +32,8 @@ constexpr std::size_t kMostStateFileBytes = std::size_t( 64 ) << 20;
 constexpr std::size_t kMostOldAtOnce = 3;
 constexpr int kReadAttempts = 3;
 
+std::uint64_t gMostBytes = SavedStates::kMostBytes;
+
 struct StoredState
 {
     SavedStates::State mState;
@@ -319,7 +321,7 @@ std::optional<XFileError> Store::RemoveStates( std::span<const StoredState> inSt
 
 std::optional<XFileError> Store::Cull()
 {
-    const auto isTooMuch = [&] { return mPacks->BytesOnDisk() + StateBytes() > SavedStates::kMostBytes; };
+    const auto isTooMuch = [&] { return mPacks->BytesOnDisk() + StateBytes() > gMostBytes; };
     if ( not isTooMuch() and not IsLastOld() )
         return {};
     if ( not mAreReferencesKnown )
@@ -337,7 +339,7 @@ std::optional<XFileError> Store::Cull()
     for ( std::size_t i = 0; i < kMostOldAtOnce and IsLastOld(); ++i )
         cullLast();
     while (
-        mStates.size() > SavedStates::kNewestAlways and mPacks->LiveBytes() + StateBytes() > SavedStates::kMostBytes )
+        mStates.size() > SavedStates::kNewestAlways and mPacks->LiveBytes() + StateBytes() > gMostBytes )
         cullLast();
     if ( not culled.empty() )
     {
@@ -345,7 +347,7 @@ std::optional<XFileError> Store::Cull()
             return error;
     }
     const std::uint64_t stateBytes = StateBytes();
-    return mPacks->Collect( SavedStates::kMostBytes - std::min( SavedStates::kMostBytes, stateBytes ) );
+    return mPacks->Collect( gMostBytes - std::min( gMostBytes, stateBytes ) );
 }
 
 std::optional<XFileError> Store::Mend( std::span<const Digest> inChunks )
@@ -431,6 +433,11 @@ void SavedStates::KeepSoon( const MMacroFileDataPtr& inData )
     XAssert( inData );
     if ( inData )
         TheQueue().Queue().Async( [inData] { TheQueue().Keep( *inData ); } );
+}
+
+void SavedStates::SetMostBytesForTesting( std::uint64_t inBytes )
+{
+    gMostBytes = inBytes;
 }
 
 void SavedStates::WaitForQueue()

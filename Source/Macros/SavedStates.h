@@ -35,4 +35,6 @@ void WaitForQueue();
 inline constexpr double kKeepSeconds = 7 * 86400.0;
 inline constexpr std::size_t kFewest = 50, kNewestAlways = 10;
 inline constexpr std::uint64_t kMostBytes = std::uint64_t( 1 ) << 30;
+/// Another limit than kMostBytes for tests; main thread, while the queue is empty.
+void SetMostBytesForTesting( std::uint64_t inBytes );
 } // namespace SavedStates
