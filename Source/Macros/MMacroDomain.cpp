@@ -167,19 +167,29 @@ bool MMacroDomain::LooksLikeMacroGroupAndNotMacroSmartGroup( const __SafeCFPrope
 
 __SafeCFPropertyList MMacroDomain::GetPropertyList()
 {
+    SaveUUID() = uuidString();
+    return PropertyListWith( SaveUUID() );
+}
+
+__SafeCFPropertyList MMacroDomain::GetSnapshotPropertyList() const
+{
+    return PropertyListWith( uuidString() );
+}
+
+__SafeCFPropertyList MMacroDomain::PropertyListWith( const XText& inSaveUUID ) const
+{
     XMutableArray entries;
     for ( const MMacroSmartGroup* const smartGroup : SortedByUID<MMacroSmartGroup>( mMacroSmartGroups ) )
         entries.Append( smartGroup->CopyToPropertyList() );
     for ( const MMacroGroup* const group : SortedByUID<MMacroGroup>( mMacroGroups ) )
         entries.Append( group->CopyToPropertyList() );
 
-    SaveUUID() = uuidString();
     XMutableDictionary dictionary;
     dictionary.Set( CFSTR( "MacroGroups" ), entries.Seal() );
     dictionary.SetInteger( CFSTR( "MacroDefaultsVersion" ), mMacroDefaultsVersion );
     dictionary.SetInteger( CFSTR( "MacroPreferencesVersion" ), mMacroPreferencesVersion );
     dictionary.SetText( CFSTR( "PreferenceSavedDate" ), RevisionDates::GetCurrentSaveDate() );
-    dictionary.SetText( CFSTR( "PreferenceSaveUUID" ), SaveUUID() );
+    dictionary.SetText( CFSTR( "PreferenceSaveUUID" ), inSaveUUID );
     dictionary.SetText( CFSTR( "Version" ), GetOurVersion() );
     return dictionary.Seal();
 }

@@ -37,6 +37,8 @@ public:
         const __SafeCFPropertyList& inValue, const KVMacroEnableOverrides* inOverrides = nullptr );
     /// The file's dictionary. Each call makes a new save UUID.
     [[nodiscard]] __SafeCFPropertyList GetPropertyList();
+    /// The same for a copy that isn't a save: LastSaveUUID stays.
+    [[nodiscard]] __SafeCFPropertyList GetSnapshotPropertyList() const;
     void Empty();
 
     void DoForEveryMacro( const std::function<void( MMacroGroup&, MMacro& )>& inBlock ) const;
@@ -96,6 +98,7 @@ public:
     [[nodiscard]] static Text VersionFromFileData( std::span<const std::uint8_t> inData );
 
 private:
+    [[nodiscard]] __SafeCFPropertyList PropertyListWith( const XText& inSaveUUID ) const;
     void LoadVersions( const XPlistDictionary& inDictionary );
     void LoadEntry( const __SafeCFPropertyList& inEntry, const KVMacroEnableOverrides* inOverrides,
         std::vector<MMacro*>& outMacros );
