@@ -18,12 +18,17 @@ std::span<const std::uint8_t> MMacroFileData::Span() const
 
 const std::string& MMacroFileData::Digest() const
 {
+    {
+        const std::scoped_lock lock( mMutex );
+        if ( not mDigest.empty() )
+            return mDigest;
+    }
+    // Worked out unlocked: it takes a second for a large file, and who needs the bytes mustn't wait.
     const auto bytes = Span();
+    char digits[SHA256_DIGEST_STRING_LENGTH] = {};
+    SHA256Data( bytes.data(), bytes.size(), digits );
     const std::scoped_lock lock( mMutex );
     if ( mDigest.empty() )
-    {
-        char digits[SHA256_DIGEST_STRING_LENGTH] = {};
-        mDigest = SHA256Data( bytes.data(), bytes.size(), digits );
-    }
+        mDigest = digits;
     return mDigest;
 }
