@@ -179,7 +179,8 @@ void RemoveTemporaryFiles()
 class Store
 {
 public:
-    [[nodiscard]] std::optional<XFileError> Keep( const MMacroFileData& inData );
+    enum class When : std::uint8_t { kAlways, kMissing };
+    [[nodiscard]] std::optional<XFileError> Keep( const MMacroFileData& inData, When inWhen );
     [[nodiscard]] std::optional<XFileError> Cull();
     [[nodiscard]] std::optional<XFileError> Mend( std::span<const Digest> inChunks );
     /// Forgets what is known of the disk; the next call looks anew. After an error.
@@ -251,13 +252,15 @@ bool Store::RenewTime( const StoredState& inOld, const SavedStates::State& inNew
     return true;
 }
 
-std::optional<XFileError> Store::Keep( const MMacroFileData& inData )
+std::optional<XFileError> Store::Keep( const MMacroFileData& inData, When inWhen )
 {
     if ( auto error = Open() )
         return error;
     const SavedStates::State state{ inData.Digest(), XClock::Current().Now(), inData.size() };
     const auto same = std::find_if( mStates.begin(), mStates.end(),
         [&]( const StoredState& other ) { return other.mState.mDigest == state.mDigest; } );
+    if ( same != mStates.end() and inWhen == When::kMissing )
+        return {};
     if ( same != mStates.end() and RenewTime( *same, state ) )
         return SyncFolder();
 
@@ -375,9 +378,9 @@ public:
 
     [[nodiscard]] XQueue& Queue() const { return *mQueue; }
     /// On the queue.
-    void Keep( const MMacroFileData& inData )
+    void Keep( const MMacroFileData& inData, Store::When inWhen )
     {
-        auto error = mStore.Keep( inData );
+        auto error = mStore.Keep( inData, inWhen );
         if ( error )
             TellOfFailure( *error );
         else if ( ( error = mStore.Cull() ) )
@@ -402,6 +405,13 @@ private:
 SavedStatesQueue& TheQueue()
 {
     return XWork::Current().Shared<SavedStatesQueue>();
+}
+
+void KeepSoonWhen( const MMacroFileDataPtr& inData, Store::When inWhen )
+{
+    XAssert( inData );
+    if ( inData )
+        TheQueue().Queue().Async( [inData, inWhen] { TheQueue().Keep( *inData, inWhen ); } );
 }
 
 /// Reads without the queue, so that nobody waits for a state that is being kept.
@@ -430,9 +440,12 @@ std::optional<std::string> ReadState( const StoredState& inState, MMacroFileData
 
 void SavedStates::KeepSoon( const MMacroFileDataPtr& inData )
 {
-    XAssert( inData );
-    if ( inData )
-        TheQueue().Queue().Async( [inData] { TheQueue().Keep( *inData ); } );
+    KeepSoonWhen( inData, Store::When::kAlways );
+}
+
+void SavedStates::KeepSoonIfMissing( const MMacroFileDataPtr& inData )
+{
+    KeepSoonWhen( inData, Store::When::kMissing );
 }
 
 void SavedStates::SetMostBytesForTesting( std::uint64_t inBytes )

@@ -23,6 +23,8 @@ struct State
 
 /// Keeps a state; a failure is logged, and told by a notice once.
 void KeepSoon( const MMacroFileDataPtr& inData );
+/// The same, but a state that is there keeps its time.
+void KeepSoonIfMissing( const MMacroFileDataPtr& inData );
 /// Returns when everything that was asked for is kept.
 void WaitForQueue();
 /// The newest first.
