@@ -289,6 +289,26 @@ __SafeCFPropertyList MMacroGroup::CopyOneMacroToPropertyListForExport( const MMa
     return CopyOneMacroOrAllMacrosToPropertyList( inMacro, true );
 }
 
+std::unique_ptr<MMacro> MMacroGroup::CopyOneMacroFromExportPropertyList( const __SafeCFPropertyList& inValue )
+{
+    const XPlistDictionary* const dictionary = inValue.AsDictionary();
+    XThrowIfNot( dictionary && dictionary->IsCorrectTypeID() );
+    CFContainer<XPlistArray> macros;
+    XThrowIfNot( dictionary->Get( CFSTR("Macros"), macros ) );
+    XThrowIfNot( macros->GetCount() == 1 );
+    std::unique_ptr<MMacro> result;
+    try
+    {
+        result = std::make_unique<MMacro>( macros->GetValueAt( 0 ) );
+    }
+    catch ( const XException& )
+    {
+        // Told as the one fault of an export that has the right shape.
+    }
+    XThrowIfNot( result );
+    return result;
+}
+
 __SafeCFPropertyList MMacroGroup::CopyOneMacroOrAllMacrosToPropertyList( const MMacro* inMacro, bool inForExport ) const
 {
     XMutableDictionary dictionary;

@@ -122,6 +122,10 @@ public:
 
     /// An export of the group with this one macro; asserts that there is one.
     [[nodiscard]] __SafeCFPropertyList CopyOneMacroToPropertyListForExport( const MMacro* inMacro ) const;
+    /// The macro of such an export, which the caller owns. Within an insertion. Throws XException when the value has
+    /// another shape or the macro doesn't load.
+    [[nodiscard]] static std::unique_ptr<MMacro> CopyOneMacroFromExportPropertyList(
+        const __SafeCFPropertyList& inValue );
     [[nodiscard]] std::unique_ptr<MMacroGroup> Clone( CloneFor inWhat ) const;
 
 private:
