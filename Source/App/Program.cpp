@@ -1,7 +1,11 @@
 #include "App/Program.h"
 
+#include "Defines/KVPreferences.h"
+#include "XCAF/XErrorHandler.h"
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
 #include <new>
 
@@ -12,19 +16,72 @@ bool Verb::WasAskedFor() const
 
 namespace
 {
+/// The verbs for somebody who looks for one, on one screen: related ones share a line.
+constexpr struct
+{
+    const char* mVerbs; ///< null for a heading
+    const char* mText;
+} kOverview[] = {
+    { nullptr, "A file of macros" },
+    { "list, show, smart", "Its groups and macros; one of them as an outline; what a smart group holds" },
+    { "search", "Find macros by a query, and say why each was found" },
+    { "check, convert", "What loading would drop or change; the file as the next save would write it" },
+    { "plist, cron", "Any property list or JSON; the times that a cron line means" },
+    { nullptr, "The macros of your data folder" },
+    { "new", "Add a macro, a group or a smart group" },
+    { "rename, move", "Give another name; put macros into another group" },
+    { "enable, disable", "Turn macros and groups on or off" },
+    { "duplicate, delete", "Copy macros and groups, or delete them" },
+    { "import, export", "Take macros in from files, or write some into one" },
+    { "undo, redo, save", "Take the last edit back, or make it again; write what waits" },
+    { nullptr, "The editor and its files" },
+    { "status, paths", "What is loaded, waits or went wrong; every path in use, and why" },
+    { "revisions", "Earlier states: compare, go back to one, or bring one macro back" },
+    { "set-aside", "What was kept before it was replaced: show, compare, restore" },
+    { "share, prefs", "One macros file for several computers; settings" },
+};
+
+/// The program's own help shows the overview in place of a line for each verb.
+class OverviewFormatter final : public CLI::Formatter
+{
+public:
+    std::string make_subcommands( const CLI::App* inCommand, CLI::AppFormatMode inMode ) const override
+    {
+        if ( inCommand->get_parent() )
+            return CLI::Formatter::make_subcommands( inCommand, inMode );
+        std::string text;
+        for ( const auto& [verbs, line] : kOverview )
+            text += verbs ? fmt::format( "  {:<19}{}\n", verbs, line ) : fmt::format( "{}:\n", line );
+        return text;
+    }
+};
+
 /// What every command has.
-void SetUp( CLI::App& ioProgram )
+void SetUp( CLI::App& ioProgram, std::string& ioFolder )
 {
     ioProgram.name( "korvalen" );
-    ioProgram.description( "Shows, checks, converts and compares the files of macros." );
+    ioProgram.description( "Shows, checks and edits macros." );
+    ioProgram.formatter( std::make_shared<OverviewFormatter>() );
     ioProgram.get_formatter()->label( "SUBCOMMAND", "VERB" );
     ioProgram.get_formatter()->label( "REQUIRED", "(required)" );
+    // So that the program's own options may stand behind a verb, too.
+    ioProgram.fallthrough();
+    ioProgram.add_option( "--folder", ioFolder, "The data folder, in place of KORVALEN_HOME or your own" )
+        ->type_name( "DIR" );
     ioProgram.set_help_flag( "-h,--help", "Explain the program, or a verb, and exit" );
     ioProgram.set_version_flag( "--version", "korvalen " KORVALEN_VERSION, "Print the version and exit" );
     ioProgram.require_subcommand( 1 );
     ioProgram.footer( "“-” as a file is standard input, or standard output.\n"
                       "Status: 0 done; 1 failed, differs or would lose something; 2 wrong usage.\n"
                       "Try: korvalen check --help" );
+}
+
+/// Before anything asks for a path. In an editor that does another process's work the folder is the editor's own.
+void UseFolder( const std::string& inFolder )
+{
+    const std::filesystem::path folder = std::filesystem::absolute( inFolder );
+    XErrorHandler::SetLogsFolder( folder / "Logs" );
+    KVPreferences::UseFolder( folder );
 }
 
 /// The innermost command that was named: what a complaint about the arguments should point to.
@@ -82,12 +139,11 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
     {
         CLI::App program;
         VerbList verbs;
-        SetUp( program );
-        AddCheckVerb( program, verbs );
-        AddMacrosFileVerbs( program, verbs );
-        AddCronVerb( program, verbs );
-        AddSearchVerbs( program, verbs );
-        AddPropertyListVerbs( program, verbs );
+        std::string folder;
+        SetUp( program, folder );
+        for ( const auto add :
+            { AddCheckVerb, AddMacrosFileVerbs, AddCronVerb, AddSearchVerbs, AddPropertyListVerbs, AddEditVerbs } )
+            add( program, verbs );
         try
         {
             // The parser takes the arguments from the back.
@@ -107,6 +163,8 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         {
             return ComplainAboutUsage( program, error, ioOutput );
         }
+        if ( not folder.empty() and not inPlace.mIsInEditor )
+            UseFolder( folder );
         VerbContext context{ ioOutput, inInput, inArguments, inPlace.mIsInEditor, inPlace.mWorkingFolder,
             inPlace.mHost };
         if ( context.mWorkingFolder.empty() )

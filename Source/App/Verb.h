@@ -101,3 +101,24 @@ void AddRunVerb( CLI::App& ioProgram, VerbList& ioVerbs );
 
 /// "search" and "smart".
 void AddSearchVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "new", "rename", "enable", "disable", "move", "duplicate" and "delete".
+void AddEditVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "undo", "redo", "save", "status" and "paths".
+void AddStatusVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "revisions".
+void AddRevisionVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "set-aside".
+void AddSetAsideVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "share".
+void AddShareVerb( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "prefs".
+void AddPrefsVerb( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "import" and "export".
+void AddTransferVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
