@@ -248,6 +248,24 @@ void RemoveTemporaries()
     }
 }
 
+/// A new name for each that is kept, even when the clock stands still.
+Entry NewEntry( const std::vector<Entry>& inOlder, Kind inKind, std::string inDigest, std::uint64_t inSize )
+{
+    Entry entry{ {}, inKind, XClock::Current().Now(), std::move( inDigest ), inSize,
+        inOlder.empty() ? 1 : inOlder.front().mNumber + 1 };
+    entry.mPath = SetAside::Folder() / NameOf( inKind, entry.mTime, entry.mNumber, entry.mDigest );
+    return entry;
+}
+
+/// Makes the moves into and out of a folder outlast a power cut, where the volume can.
+void SyncFolder( const std::filesystem::path& inFolder )
+{
+    XFileCalls& calls = XFileCalls::Current();
+    const XOpenFile folder = XOpenFile::Open( inFolder, XFileCalls::OpenFor::kFolder, calls );
+    if ( not folder or calls.FSync( folder.Get() ) != 0 )
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Can't sync folder %@", inFolder );
+}
+
 std::optional<XFileError> Failed( XFileError inError, TextView inReason )
 {
     XErrorHandler::PrivateMaybeLogFormat( "always", "Can't set aside %@: %@", inReason, inError.Describe() );
@@ -268,9 +286,7 @@ std::optional<XFileError> SetAside::Keep(
         return Failed( std::move( *error ), inReason );
 
     const auto older = ListLocked();
-    Entry entry{ {}, inKind, XClock::Current().Now(), Digest( inBytes ), inBytes.size(),
-        older.empty() ? 1 : older.front().mNumber + 1 };
-    entry.mPath = Folder() / NameOf( inKind, entry.mTime, entry.mNumber, entry.mDigest );
+    Entry entry = NewEntry( older, inKind, Digest( inBytes ), inBytes.size() );
     if ( not RenameSame( older, inKind, entry.mDigest, inBytes, entry.mPath ) )
     {
         if ( auto error = XAtomicFile::Write( entry.mPath, inBytes, XAtomicFile::Links::kReplace ) )
@@ -307,6 +323,25 @@ std::optional<XFileError> SetAside::KeepFile( Kind inKind, const std::filesystem
         return Failed( *content.mError, inReason );
     }
     return Keep( inKind, content.mBytes.Span(), inReason );
+}
+
+std::optional<XFileError> SetAside::MoveFile( Kind inKind, const std::filesystem::path& inFile, TextView inReason )
+{
+    const std::scoped_lock lock( gMutex() );
+    if ( auto error = PrepareFolder() )
+        return Failed( std::move( *error ), inReason );
+    const Entry entry = NewEntry( ListLocked(), inKind, std::string( kDigestDigits, '0' ), 0 );
+    if ( XFileCalls::Current().RenameToNew( inFile, entry.mPath ) != 0 )
+    {
+        const int code = errno;
+        if ( code == ENOENT )
+            return {};
+        return Failed( { "move", inFile, code, std::generic_category().message( code ), {} }, inReason );
+    }
+    SyncFolder( Folder() );
+    SyncFolder( inFile.parent_path() );
+    XErrorHandler::PrivateMaybeLogFormat( "always", "Set aside as %@: %@", entry.mPath, inReason );
+    return {};
 }
 
 std::vector<SetAside::Entry> SetAside::List()

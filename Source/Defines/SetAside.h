@@ -40,7 +40,8 @@ struct Entry
     std::filesystem::path mPath;
     Kind mKind = Kind::kOther;
     XAbsoluteTime mTime = 0;
-    std::string mDigest; ///< the first 16 hexadecimal digits of the SHA-256 of the bytes
+    std::string
+        mDigest; ///< the first 16 hexadecimal digits of the SHA-256 of the bytes; all 0 of a file that was moved
     std::uint64_t mSize = 0;
     std::uint64_t mNumber = 0; ///< rises from one to the next
 };
@@ -58,6 +59,9 @@ struct Entry
     Kind inKind, std::span<const std::uint8_t> inBytes, TextView inReason, Entry* outEntry = nullptr );
 /// The same with a file's bytes; a file that doesn't exist is success. What isn't a file is an error.
 [[nodiscard]] std::optional<XFileError> KeepFile( Kind inKind, const std::filesystem::path& inFile, TextView inReason );
+/// For a file whose bytes can't be read: moves it there as it is. A link is moved, and what it names stays. What isn't a
+/// regular file isn't listed, and never culled.
+[[nodiscard]] std::optional<XFileError> MoveFile( Kind inKind, const std::filesystem::path& inFile, TextView inReason );
 
 /// What is there, the newest first.
 [[nodiscard]] std::vector<Entry> List();

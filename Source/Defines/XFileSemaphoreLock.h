@@ -24,15 +24,3 @@ public:
 private:
     std::unique_ptr<XFileSemaphore> mSemaphore;
 };
-
-/// While the file that the engine fetched from the share is read and removed.
-class MMacroSharedIncomingFileLock final : public XFileSemaphoreLock
-{
-public:
-    MMacroSharedIncomingFileLock() : XFileSemaphoreLock( KVPreferences::kMacroSharingLockSemaphoreNameID ) {}
-
-    static void InitializeSharingLockSemaphoreName()
-    {
-        XFileSemaphoreLock::InitializeSharingLockSemaphoreName( KVPreferences::kMacroSharingLockSemaphoreNameID );
-    }
-};

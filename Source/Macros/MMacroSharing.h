@@ -4,6 +4,7 @@
 #pragma once
 
 #include "CFMethods/PropertyList.h"
+#include "Defines/XFileSemaphoreLock.h"
 
 #include <filesystem>
 
@@ -21,3 +22,16 @@ bool StartSharingCreate( const std::filesystem::path& inPath );
 /// Each goes on with its own macros. The file stays.
 void StopSharing();
 } // namespace MMacroSharing
+
+/// While the file that the engine fetched from the share is read and removed. Not for the main thread: it may wait.
+class MMacroSharedIncomingFileLock final : public XFileSemaphoreLock
+{
+public:
+    MMacroSharedIncomingFileLock() : XFileSemaphoreLock( KVPreferences::kMacroSharingLockSemaphoreNameID ) {}
+
+    /// Any thread.
+    static void InitializeSharingLockSemaphoreName()
+    {
+        XFileSemaphoreLock::InitializeSharingLockSemaphoreName( KVPreferences::kMacroSharingLockSemaphoreNameID );
+    }
+};
