@@ -101,16 +101,27 @@ bool IsValidUUID( const XText& inUUID )
     } );
 }
 
-/// What came to pass under a name that the user never sees, so it's told: groups that were disabled here, for one.
-void TellReplacedUUID( const PreferenceID& inID, const XText& inOld, const XText& inNew )
+/// One of the two identities of this computer, and what to say when a damaged one is replaced.
+struct IdentityKind
 {
-    XErrorHandler::PrivateMaybeLogFormat( "always", "Regenerating %s", inID.Key().Name() );
-    const Text key = TextFromASCII( inID.Key().Name() );
-    KVNotices::Post( { u"Regenerated" + key, kvr_localized( u"kvRegenerated" + key + u"Title" ),
-        kvr_localizedFormat( u"kvRegenerated" + key + u"Format", inOld, inNew ), {} } );
+    PreferenceID mID;
+    const char* mLogLine;
+    TextView mTitle, mFormat;
+};
+constexpr IdentityKind kMacUUIDKind{ kMacUUIDID, "Regenerating MacUUID", u"kvRegeneratedMacUUIDTitle",
+    u"kvRegeneratedMacUUIDFormat" };
+constexpr IdentityKind kMacRemoteUUIDKind{ kMacRemoteUUIDID, "Regenerating MacRemoteUUID",
+    u"kvRegeneratedMacRemoteUUIDTitle", u"kvRegeneratedMacRemoteUUIDFormat" };
+
+/// What came to pass under a name that the user never sees, so it's told: groups that were disabled here, for one.
+void TellReplacedUUID( const IdentityKind& inKind, const XText& inOld, const XText& inNew )
+{
+    XErrorHandler::PrivateMaybeLogFormat( "always", inKind.mLogLine );
+    KVNotices::Post( { Text( inKind.mTitle ), kvr_localized( inKind.mTitle ),
+        kvr_localizedFormat( inKind.mFormat, inOld, inNew ), {} } );
 }
 
-XText ReadOrMakeUUID( State& ioState, const PreferenceID& inID )
+XText ReadOrMakeUUID( State& ioState, const IdentityKind& inKind )
 {
     XText replaced;
     const auto MakeIfNeeded = [&]( const __SafeCFPropertyList& inOld ) {
@@ -120,10 +131,10 @@ XText ReadOrMakeUUID( State& ioState, const PreferenceID& inID )
         replaced = old;
         return __SafeCFPropertyList::String( uuidString() );
     };
-    const auto value = DomainOf( ioState, inID ).Change( inID.Key(), MakeIfNeeded );
+    const auto value = DomainOf( ioState, inKind.mID ).Change( inKind.mID.Key(), MakeIfNeeded );
     const XText uuid = CFContainer<XPlistString>::Share( value.AsString() );
     if ( not replaced.IsEmpty() )
-        TellReplacedUUID( inID, replaced, uuid );
+        TellReplacedUUID( inKind, replaced, uuid );
     return uuid;
 }
 
@@ -349,7 +360,7 @@ void UseFolder( const std::filesystem::path& inFolder )
 XText MacUUID()
 {
     const auto state = CurrentState();
-    std::call_once( state->mMacUUIDOnce, [&] { state->mMacUUID = ReadOrMakeUUID( *state, kMacUUIDID ); } );
+    std::call_once( state->mMacUUIDOnce, [&] { state->mMacUUID = ReadOrMakeUUID( *state, kMacUUIDKind ); } );
     return state->mMacUUID;
 }
 
@@ -357,7 +368,7 @@ XText MacRemoteUUID()
 {
     const auto state = CurrentState();
     std::call_once(
-        state->mMacRemoteUUIDOnce, [&] { state->mMacRemoteUUID = ReadOrMakeUUID( *state, kMacRemoteUUIDID ); } );
+        state->mMacRemoteUUIDOnce, [&] { state->mMacRemoteUUID = ReadOrMakeUUID( *state, kMacRemoteUUIDKind ); } );
     return state->mMacRemoteUUID;
 }
 

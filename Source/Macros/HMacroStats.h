@@ -15,6 +15,13 @@ public:
     [[nodiscard]] virtual std::uint64_t ExecutionCount( const XText& inMacroUID ) const = 0;
     [[nodiscard]] virtual double TimeSaved( const XText& inMacroUID ) const = 0; ///< seconds
 
+    /// The entry of all macros together, among those by UID.
+    static constexpr TextView kAllKey = u"All";
+    /// What the engine has stored: a dictionary for each UID, with any of "LastExecuted", in seconds since 2001,
+    /// "ExecutedCount" and "TimeSaved", in seconds. Without the file it has what older versions have left: the total, and
+    /// when macros ran last. Empty, after a log line, when the file can't be understood. Never null.
+    [[nodiscard]] static CFContainer<XPlistDictionary> ReadFile();
+
     /// The store in use; one that knows nothing until another is installed.
     [[nodiscard]] static const HMacroStats& Current();
     /// Not owned; null goes back to the one that knows nothing.
