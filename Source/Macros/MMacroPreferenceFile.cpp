@@ -1,6 +1,7 @@
 #include "Macros/MMacroPreferenceFile.h"
 
 #include "Defines/KVPreferences.h"
+#include "Macros/MMacroApplication.h"
 #include "Macros/MMacroDomain.h"
 #include "Utility/Work/Work.h"
 #include "XCAF/XErrorHandler.h"
@@ -93,6 +94,18 @@ void MMacroPreferenceFile::UndoRedoMacroData( const MMacroFileDataPtr& inData )
 void MMacroPreferenceFile::SetLoadAllMacrosNeedsSave()
 {
     gLoadAllMacrosNeedsSave = true;
+}
+
+bool MMacroPreferenceFile::RevertToRevision( TextView inDate )
+{
+    XFileContent revision = ReadWholeFile(
+        KVPreferences::FilePath( u"Revisions Version 9", Text( inDate ) + u".plist" ), XPlistLimits().mMaxBytes );
+    if ( revision.mError or not ReadPropertyList( revision.mBytes.Span() ).mValue )
+        return false;
+    SaveMacroData( std::make_shared<const MMacroFileData>( std::move( revision.mBytes ) ) );
+    Queue().Async(
+        [] { XWork::Current().MainQueue()->Async( [] { MMacroApplication::Current().HandleReloadMacros(); } ); } );
+    return true;
 }
 
 bool MMacroPreferenceFile::TakeLoadAllMacrosNeedsSave()
