@@ -7,6 +7,7 @@
 #include "Utility/Text/StringHelpers.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
+#include "XCAF/XFileWriting.h"
 
 #include <algorithm>
 
@@ -41,6 +42,13 @@ XText StringOf( const __SafeCFPropertyList& inValue )
 std::optional<double> NumberOf( const __SafeCFPropertyList& inValue )
 {
     return inValue.AsNumber() ? std::optional( inValue.AsNumber()->AsReal() ) : std::nullopt;
+}
+
+// A link inside the plug-in's folder could lead out of it.
+bool IsLink( const std::filesystem::path& inPath )
+{
+    XFileStatus facts;
+    return XFileCalls::Current().GetLinkFacts( inPath, facts ) == 0 and facts.mKind == XFileStatus::Kind::kLink;
 }
 
 std::optional<std::size_t> IndexOf( std::span<const TextView> inNames, TextView inName )
@@ -239,7 +247,8 @@ std::optional<std::filesystem::path> APlugIn::GetInformationKeyedFile( const XKe
         return {};
     const XPlistString* name = value.AsString();
     const auto folder = PlugInFolder::FolderForName( mFolderName );
-    if ( folder and name and PlugInFolder::IsSafeFileName( name->GetText() ) )
+    if ( folder and name and PlugInFolder::IsSafeFileName( name->GetText() ) and
+        not IsLink( *folder / name->GetUTF8() ) )
         return *folder / name->GetUTF8();
     XErrorHandler::PrivateMaybeLogFormat( "display", "Invalid File for key %@ contents %@ for Plug In Action %@",
         inKey.Name(), Shown( value ), mFolderName );

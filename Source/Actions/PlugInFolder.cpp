@@ -1,11 +1,13 @@
 #include "Actions/PlugInFolder.h"
 
 #include "CFMethods/PropertyListCodec.h"
+#include "Defines/EntryReplacement.h"
 #include "Defines/KVPreferences.h"
 #include "Utility/Text/FileHelpers.h"
 #include "Utility/Text/TextCompare.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XFileWriting.h"
+#include "XCAF/XNotificationCenter.h"
 
 #include <algorithm>
 #include <map>
@@ -39,6 +41,12 @@ public:
         if ( inClearings == mClearings )
             mInformation.insert_or_assign( inName, inInformation );
     }
+    void Forget( const Text& inName )
+    {
+        const std::lock_guard lock( mMutex );
+        mInformation.erase( inName );
+        ++mClearings;
+    }
     void Clear()
     {
         const std::lock_guard lock( mMutex );
@@ -68,7 +76,12 @@ CFContainer<XPlistDictionary> ReadInformation( const XText& inName )
     const auto folder = PlugInFolder::FolderForName( inName );
     if ( not folder )
         return nullptr;
-    const XFileContent content = ReadWholeFile( InformationFile( *folder ), kMostInformationBytes );
+    // A plug-in is a stranger's: a link could lead anywhere, and a pipe would wait for somebody to write into it.
+    XFileStatus facts;
+    const std::filesystem::path file = InformationFile( *folder );
+    if ( XFileCalls::Current().GetLinkFacts( file, facts ) != 0 or facts.mKind != XFileStatus::Kind::kRegular )
+        return nullptr;
+    const XFileContent content = ReadWholeFile( file, kMostInformationBytes );
     if ( content.mError )
         return nullptr;
     const XPlistReadResult result = ReadPropertyList( content.mBytes.Span() );
@@ -109,21 +122,68 @@ void PlugInFolder::ClearCache()
 
 std::vector<Text> PlugInFolder::ListPlugIns()
 {
+    XFileCalls& calls = XFileCalls::Current();
+    const std::filesystem::path folder = KVPreferences::FilePath( kFolderName );
+    std::vector<std::string> entries;
+    if ( calls.ReadFolder( folder, entries ) != 0 )
+        return {};
     std::vector<Text> names;
-    std::error_code error;
-    std::filesystem::directory_iterator entry( KVPreferences::FilePath( kFolderName ), error );
-    for ( ; not error and entry != std::filesystem::directory_iterator(); entry.increment( error ) )
+    for ( const std::string& entry : entries )
     {
         // A folder without an information file is somebody's, but no broken plug-in.
-        std::error_code ofEntry;
-        const auto name = TextFromStrictUTF8( entry->path().filename().native() );
-        if ( name and entry->is_directory( ofEntry ) and
-            std::filesystem::exists( InformationFile( entry->path() ), ofEntry ) and InformationForFolderName( *name ) )
+        XFileStatus facts;
+        const auto name = TextFromStrictUTF8( entry );
+        if ( name and calls.GetLinkFacts( InformationFile( folder / entry ), facts ) == 0 and
+            InformationForFolderName( *name ) )
             names.push_back( *name );
     }
     std::sort( names.begin(), names.end(),
         []( const Text& a, const Text& b ) { return localizedStandardCompare( a, b ) < 0; } );
     return names;
+}
+
+bool PlugInFolder::ImportUnzipped( const std::filesystem::path& inPath )
+{
+    // 1. The target; a name that can't be one of a plug-in is one whose information doesn't load.
+    const auto name = TextFromStrictUTF8( inPath.filename().native() );
+    const auto target = name ? FolderForName( *name ) : std::nullopt;
+    if ( not target )
+    {
+        XErrorBeep( "Imported action invalid" );
+        return false;
+    }
+    if ( const auto error = MakeFolders( target->parent_path() ) )
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Importing a plug-in failed: %@", error->Describe() );
+    // 2. and 3.
+    EntryReplacement replacement( *target );
+    if ( not replacement.IsTargetFree() )
+    {
+        XErrorBeep( "Imported action already exists" );
+        return false;
+    }
+    // 4. The cache would answer for the older folder.
+    const bool isMoved = replacement.Take( inPath );
+    gCache().Forget( *name );
+    if ( not isMoved )
+    {
+        XAssertText( false, "false" );
+        return false;
+    }
+    // 5.
+    if ( InformationForFolderName( *name ) )
+    {
+        replacement.DiscardOlder();
+        XNotificationCenter::PostApplicationInternalNotification(
+            kReloadThirdPartyActionsNotification, nullptr, nullptr );
+        return true;
+    }
+    // 6.
+    replacement.DiscardNew();
+    XErrorBeep( "Imported action invalid" );
+    if ( replacement.Older() )
+        XErrorHandler::PrivateMaybeLogFormat(
+            "always", "The older plug-in %@ lies at %@", *name, *replacement.Older() );
+    return false;
 }
 
 bool PlugInFolder::UnzipLikelyContains( TextView inListing )

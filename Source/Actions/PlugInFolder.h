@@ -9,6 +9,9 @@
 #include <optional>
 #include <vector>
 
+/// Posted inside the process when a plug-in came in.
+inline constexpr TextView kReloadThirdPartyActionsNotification = u"KV_ReloadThirdPartyActions";
+
 namespace PlugInFolder
 {
 /// The information of a plug-in. Null, with a log line, when there is none that loads; that is asked again the next
@@ -18,6 +21,9 @@ namespace PlugInFolder
 void ClearCache();
 /// The folder names of the plug-ins whose information loads, as file lists are sorted.
 [[nodiscard]] std::vector<Text> ListPlugIns();
+/// Takes one entry of an unzipped file in, in place of a plug-in of its name: the older folder goes to the trash
+/// when the new one's information loads, and otherwise lies beside it under a name of its own, which the log tells.
+bool ImportUnzipped( const std::filesystem::path& inPath );
 /// Does the listing of a zip file name an information file?
 [[nodiscard]] bool UnzipLikelyContains( TextView inListing );
 
