@@ -19,15 +19,15 @@ std::string BusNames::DigitsOf( const std::filesystem::path& inFolder )
 
 std::string BusNames::EditorOf( const std::filesystem::path& inFolder )
 {
-    return std::string( kEditor ) + ".f" + DigitsOf( inFolder );
+    return std::string( kEditor ).append( ".f" ).append( DigitsOf( inFolder ) );
 }
 
 std::string BusNames::EngineOf( const std::filesystem::path& inFolder )
 {
-    return std::string( kEngine ) + ".f" + DigitsOf( inFolder );
+    return std::string( kEngine ).append( ".f" ).append( DigitsOf( inFolder ) );
 }
 
 std::string BusNames::PathOf( const std::filesystem::path& inFolder )
 {
-    return "/com/tessarine/korvalen/" + DigitsOf( inFolder );
+    return std::string( "/com/tessarine/korvalen/" ).append( DigitsOf( inFolder ) );
 }

@@ -72,7 +72,11 @@ struct GLibMainLoop::Parts
 
 GLibMainLoop::GLibMainLoop( XWork& inWork ) : mParts( std::make_unique<Parts>( inWork ) )
 {
-    mParts->mDrain = [parts = mParts.get()] { parts->Guarded( [parts] { parts->mWork.DrainMainQueue(); } ); };
+    mParts->mDrain = [parts = mParts.get()] {
+        parts->Guarded( [parts] { parts->mWork.DrainMainQueue(); } );
+        if ( parts->mException ) // blocks behind the one that threw are still waiting
+            g_source_set_ready_time( parts->mQueueSource.get(), 0 );
+    };
     GSource* const source = g_source_new( &gQueueSourceFunctions, sizeof( QueueSource ) );
     reinterpret_cast<QueueSource*>( source )->mDrain = &mParts->mDrain;
     g_source_set_static_name( source, "main queue" );
