@@ -7,110 +7,15 @@
 // Equal strings, numbers, dates and data get one number. The hash is seeded anew for each
 // process, so that no file can be crafted to make the look-up slow; numbers are given in the order
 // of meeting, so the bytes don't depend on the seed.
+#include "CFMethods/BinaryPropertyListLeaf.h"
 #include "CFMethods/PropertyListCodec.h"
 #include "CFMethods/PropertyListMaker.h"
 #include "XCAF/XErrorHandler.h"
 
-#include <bit>
-#include <cstring>
-#include <random>
+using namespace BinaryPropertyList;
 
 namespace
 {
-std::uint64_t ProcessSeed()
-{
-    static const std::uint64_t gSeed = [] {
-        std::random_device device;
-        return ( std::uint64_t( device() ) << 32 ) | device();
-    }();
-    return gSeed;
-}
-
-__extension__ using UInt128 = unsigned __int128; // no standard type, which -Wpedantic minds
-
-std::uint64_t Mix( std::uint64_t a, std::uint64_t b )
-{
-    const auto product = static_cast<UInt128>( a ) * b;
-    return std::uint64_t( product ) ^ std::uint64_t( product >> 64 );
-}
-
-std::uint64_t HashBytes( const void* inBytes, std::size_t inLength, std::uint64_t inSeed )
-{
-    constexpr std::uint64_t kOdd1 = 0x9E3779B97F4A7C15u, kOdd2 = 0xD6E8FEB86659FD93u;
-    const auto* bytes = static_cast<const unsigned char*>( inBytes );
-    const auto load = []( const unsigned char* at, std::size_t size ) {
-        std::uint64_t word = 0;
-        std::memcpy( &word, at, size );
-        return word;
-    };
-    std::uint64_t hash = inSeed ^ Mix( inLength + kOdd1, kOdd2 );
-    std::size_t left = inLength;
-    for ( ; left > 16; left -= 16, bytes += 16 )
-        hash = Mix( load( bytes, 8 ) ^ hash, load( bytes + 8, 8 ) ^ kOdd1 ^ inSeed );
-    const std::uint64_t low = load( bytes, left < 8 ? left : 8 );
-    const std::uint64_t high = left > 8 ? load( bytes + 8, left - 8 ) : 0;
-    return Mix( Mix( low ^ hash, high ^ kOdd1 ^ inSeed ), kOdd2 );
-}
-
-unsigned SizeFor( std::uint64_t inLargest )
-{
-    return inLargest < 0x100 ? 1 : inLargest < 0x10000 ? 2 : inLargest <= 0xFFFFFFFFu ? 4 : 8;
-}
-
-template<class Integer>
-std::uint8_t* StoreBigEndian( std::uint8_t* outBytes, Integer inValue )
-{
-    if constexpr ( sizeof( Integer ) == 2 )
-        inValue = __builtin_bswap16( inValue );
-    else if constexpr ( sizeof( Integer ) == 4 )
-        inValue = __builtin_bswap32( inValue );
-    else if constexpr ( sizeof( Integer ) == 8 )
-        inValue = __builtin_bswap64( inValue );
-    std::memcpy( outBytes, &inValue, sizeof( inValue ) );
-    return outBytes + sizeof( inValue );
-}
-
-std::uint8_t* StoreSized( std::uint8_t* outBytes, std::uint64_t inValue, unsigned inSize )
-{
-    switch ( inSize )
-    {
-    case 1:
-        return StoreBigEndian( outBytes, std::uint8_t( inValue ) );
-    case 2:
-        return StoreBigEndian( outBytes, std::uint16_t( inValue ) );
-    case 4:
-        return StoreBigEndian( outBytes, std::uint32_t( inValue ) );
-    default:
-        return StoreBigEndian( outBytes, inValue );
-    }
-}
-
-// Lengths below 15 stand in the marker, others in an integer behind it.
-std::size_t HeadSize( std::uint64_t inLength )
-{
-    return inLength < 15 ? 1 : 2 + SizeFor( inLength );
-}
-
-std::uint8_t* StoreHead( std::uint8_t* outBytes, std::uint8_t inKind, std::uint64_t inLength )
-{
-    if ( inLength < 15 )
-    {
-        *outBytes++ = std::uint8_t( inKind | inLength );
-        return outBytes;
-    }
-    const unsigned size = SizeFor( inLength );
-    *outBytes++ = inKind | 0x0F;
-    *outBytes++ = std::uint8_t( 0x10 | std::countr_zero( size ) );
-    return StoreSized( outBytes, inLength, size );
-}
-
-unsigned IntegerSize( const XPlistNumber& inNumber )
-{
-    if ( inNumber.IsUnsigned() )
-        return 16;
-    return inNumber.SignedValue() < 0 ? 8 : SizeFor( inNumber.UnsignedValue() );
-}
-
 // Which leaf values have got a number already: open addressing, the hash kept beside the number so
 // that growing and most misses don't touch the values.
 class Uniquer
@@ -130,7 +35,7 @@ public:
         if ( recent.mNode == inLeaf )
             return recent.mNumber;
 
-        const auto hash = std::uint32_t( Hash( inLeaf ) );
+        const auto hash = std::uint32_t( HashLeaf( inLeaf ) );
         std::size_t at = hash & ( mSlots.size() - 1 );
         for ( ; mSlots[at].mNumber != 0; at = ( at + 1 ) & ( mSlots.size() - 1 ) )
         {
@@ -162,31 +67,6 @@ private:
         std::uint32_t mNumber = 0;
     };
 
-    static std::uint64_t Hash( const XPlistNode* inLeaf )
-    {
-        const std::uint64_t seed = ProcessSeed() + std::uint64_t( inLeaf->GetType() );
-        switch ( inLeaf->GetType() )
-        {
-        case XPlistType::kString:
-        {
-            const auto* const string = static_cast<const XPlistString*>( inLeaf );
-            return string->IsASCII() ? HashBytes( string->ASCII().data(), string->GetLength(), seed )
-                                     : HashBytes( string->Wide().data(), string->GetLength() * 2, ~seed );
-        }
-        case XPlistType::kData:
-        {
-            const auto bytes = static_cast<const XPlistData*>( inLeaf )->GetBytes();
-            return HashBytes( bytes.data(), bytes.size(), seed );
-        }
-        case XPlistType::kNumber:
-            return Mix( static_cast<const XPlistNumber*>( inLeaf )->Bits() ^ seed, seed | 1 );
-        case XPlistType::kDate:
-            return Mix( std::bit_cast<std::uint64_t>( static_cast<const XPlistDate*>( inLeaf )->GetSeconds() ) ^ seed,
-                seed | 1 );
-        default:
-            return seed ^ std::uint64_t( static_cast<const XPlistBoolean*>( inLeaf )->GetValue() );
-        }
-    }
     static bool Same( const XPlistNode* a, const XPlistNode* b )
     {
         return a == b or __SafeCFPropertyList( a ) == __SafeCFPropertyList( b );
@@ -238,8 +118,6 @@ private:
     std::uint32_t LeafNumber( const XPlistNode* inLeaf );
     std::uint32_t BeginContainer( const XPlistNode* inNode );
     void NumberObjects( const XPlistNode* inRoot );
-    static std::size_t LeafSize( const XPlistNode* inNode );
-    std::uint8_t* StoreLeaf( std::uint8_t* outBytes, const XPlistNode* inNode ) const;
     template<class Reference>
     std::uint8_t* StoreReferences( std::uint8_t* outBytes, const std::uint32_t*& ioNext, std::size_t inCount ) const;
     template<class Reference>
@@ -303,83 +181,6 @@ void Writer::NumberObjects( const XPlistNode* inRoot )
     }
 }
 
-std::size_t Writer::LeafSize( const XPlistNode* inNode )
-{
-    switch ( inNode->GetType() )
-    {
-    case XPlistType::kString:
-    {
-        const auto* const string = static_cast<const XPlistString*>( inNode );
-        return HeadSize( string->GetLength() ) + string->GetLength() * ( string->IsASCII() ? 1 : 2 );
-    }
-    case XPlistType::kData:
-    {
-        const std::size_t length = static_cast<const XPlistData*>( inNode )->GetBytes().size();
-        return HeadSize( length ) + length;
-    }
-    case XPlistType::kNumber:
-    {
-        const auto* const number = static_cast<const XPlistNumber*>( inNode );
-        return number->IsReal() ? 9 : 1 + IntegerSize( *number );
-    }
-    case XPlistType::kDate:
-        return 9;
-    default:
-        return 1;
-    }
-}
-
-std::uint8_t* Writer::StoreLeaf( std::uint8_t* outBytes, const XPlistNode* inNode ) const
-{
-    switch ( inNode->GetType() )
-    {
-    case XPlistType::kString:
-    {
-        const auto* const string = static_cast<const XPlistString*>( inNode );
-        const std::size_t length = string->GetLength();
-        if ( string->IsASCII() )
-        {
-            outBytes = StoreHead( outBytes, 0x50, length );
-            std::memcpy( outBytes, string->ASCII().data(), length );
-            return outBytes + length;
-        }
-        outBytes = StoreHead( outBytes, 0x60, length );
-        for ( const char16_t unit : string->Wide() )
-            outBytes = StoreBigEndian( outBytes, std::uint16_t( unit ) );
-        return outBytes;
-    }
-    case XPlistType::kData:
-    {
-        const auto bytes = static_cast<const XPlistData*>( inNode )->GetBytes();
-        outBytes = StoreHead( outBytes, 0x40, bytes.size() );
-        if ( not bytes.empty() )
-            std::memcpy( outBytes, bytes.data(), bytes.size() );
-        return outBytes + bytes.size();
-    }
-    case XPlistType::kNumber:
-    {
-        const auto* const number = static_cast<const XPlistNumber*>( inNode );
-        if ( number->IsReal() )
-        {
-            *outBytes++ = 0x23;
-            return StoreBigEndian( outBytes, number->Bits() );
-        }
-        const unsigned size = IntegerSize( *number );
-        *outBytes++ = std::uint8_t( 0x10 | std::countr_zero( size ) );
-        if ( size == 16 )
-            outBytes = StoreBigEndian( outBytes, std::uint64_t( 0 ) );
-        return StoreSized( outBytes, number->Bits(), size );
-    }
-    case XPlistType::kDate:
-        *outBytes++ = 0x33;
-        return StoreBigEndian(
-            outBytes, std::bit_cast<std::uint64_t>( static_cast<const XPlistDate*>( inNode )->GetSeconds() ) );
-    default:
-        *outBytes++ = static_cast<const XPlistBoolean*>( inNode )->GetValue() ? 0x09 : 0x08;
-        return outBytes;
-    }
-}
-
 template<class Reference>
 std::uint8_t* Writer::StoreReferences( std::uint8_t* outBytes, const std::uint32_t*& ioNext, std::size_t inCount ) const
 {
@@ -427,13 +228,7 @@ XBytes Writer::Write( const XPlistNode* inRoot )
     else
         StoreObjects<std::uint32_t>( bytes.data(), bytes.data() + table, offsetSize );
 
-    std::uint8_t* at = bytes.data() + trailer;
-    std::memset( at, 0, 6 );
-    at[6] = std::uint8_t( offsetSize );
-    at[7] = std::uint8_t( referenceSize );
-    at = StoreBigEndian( at + 8, std::uint64_t( mObjects.size() ) );
-    at = StoreBigEndian( at, std::uint64_t( 0 ) ); // the root is the first that was numbered
-    StoreBigEndian( at, table );
+    StoreTrailer( bytes.data() + trailer, offsetSize, referenceSize, mObjects.size(), table );
     return bytes;
 }
 } // namespace

@@ -133,6 +133,7 @@ bool MMacro::SetTimesIfNotSet( XAbsoluteTime inTime )
     if ( mModificationTime >= 1.0 )
         return changed;
     mModificationTime = inTime;
+    DidChange();
     return true;
 }
 

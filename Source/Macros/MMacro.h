@@ -27,7 +27,11 @@ public:
     [[nodiscard]] const XText& GetStoredName() const { return mName; } ///< null for none
     [[nodiscard]] Text GetUnambiguousName() const override;
     [[nodiscard]] XAbsoluteTime GetModificationTime() const override { return mModificationTime; }
-    void SetModificationTime( XAbsoluteTime inTime ) { mModificationTime = inTime; }
+    void SetModificationTime( XAbsoluteTime inTime )
+    {
+        mModificationTime = inTime;
+        DidChange();
+    }
     void SetCustomIconData( const __SafeCFPropertyList& inData ) override;
     [[nodiscard]] XIcon GetXIcon() const override { return GetXIconForAction( nullptr ); }
     bool SetTimesIfNotSet( XAbsoluteTime inTime ) override;

@@ -7,6 +7,7 @@
 #include "Macros/KVMacroEnableOverrides.h"
 #include "Macros/MLoadObserver.h"
 #include "Macros/MMacro.h"
+#include "Macros/MMacroFileEncoder.h"
 #include "Macros/MMacroInsertion.h"
 #include "Macros/RevisionDates.h"
 #include "Triggers/TTriggerManagerDomain.h"
@@ -91,6 +92,7 @@ void MMacroDomain::Empty()
     for ( MMacroSmartGroup* const smartGroup : mMacroSmartGroups )
         delete smartGroup;
     mMacroSmartGroups.clear();
+    MMacroFileEncoder::Forget();
 }
 
 const XText& MMacroDomain::LastSaveUUID()
@@ -167,25 +169,49 @@ bool MMacroDomain::LooksLikeMacroGroupAndNotMacroSmartGroup( const __SafeCFPrope
 
 __SafeCFPropertyList MMacroDomain::GetPropertyList()
 {
-    SaveUUID() = uuidString();
-    return PropertyListWith( SaveUUID() );
+    return GetPropertyListAround( CopyEntries() );
 }
 
 __SafeCFPropertyList MMacroDomain::GetSnapshotPropertyList() const
 {
-    return PropertyListWith( uuidString() );
+    return GetSnapshotPropertyListAround( CopyEntries() );
 }
 
-__SafeCFPropertyList MMacroDomain::PropertyListWith( const XText& inSaveUUID ) const
+__SafeCFPropertyList MMacroDomain::GetPropertyListAround( CFContainer<XPlistArray> inEntries )
+{
+    SaveUUID() = uuidString();
+    return PropertyListWith( std::move( inEntries ), SaveUUID() );
+}
+
+__SafeCFPropertyList MMacroDomain::GetSnapshotPropertyListAround( CFContainer<XPlistArray> inEntries ) const
+{
+    return PropertyListWith( std::move( inEntries ), uuidString() );
+}
+
+std::vector<MMacroSmartGroup*> MMacroDomain::GetSmartGroupsInFileOrder() const
+{
+    return SortedByUID<MMacroSmartGroup>( mMacroSmartGroups );
+}
+
+std::vector<MMacroGroup*> MMacroDomain::GetMacroGroupsInFileOrder() const
+{
+    return SortedByUID<MMacroGroup>( mMacroGroups );
+}
+
+CFContainer<XPlistArray> MMacroDomain::CopyEntries() const
 {
     XMutableArray entries;
-    for ( const MMacroSmartGroup* const smartGroup : SortedByUID<MMacroSmartGroup>( mMacroSmartGroups ) )
+    for ( const MMacroSmartGroup* const smartGroup : GetSmartGroupsInFileOrder() )
         entries.Append( smartGroup->CopyToPropertyList() );
-    for ( const MMacroGroup* const group : SortedByUID<MMacroGroup>( mMacroGroups ) )
+    for ( const MMacroGroup* const group : GetMacroGroupsInFileOrder() )
         entries.Append( group->CopyToPropertyList() );
+    return entries.Seal();
+}
 
+__SafeCFPropertyList MMacroDomain::PropertyListWith( CFContainer<XPlistArray> inEntries, const XText& inSaveUUID ) const
+{
     XMutableDictionary dictionary;
-    dictionary.Set( CFSTR( "MacroGroups" ), entries.Seal() );
+    dictionary.Set( CFSTR( "MacroGroups" ), std::move( inEntries ) );
     dictionary.SetInteger( CFSTR( "MacroDefaultsVersion" ), mMacroDefaultsVersion );
     dictionary.SetInteger( CFSTR( "MacroPreferencesVersion" ), mMacroPreferencesVersion );
     dictionary.SetText( CFSTR( "PreferenceSavedDate" ), RevisionDates::GetCurrentSaveDate() );

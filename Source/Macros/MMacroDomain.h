@@ -39,6 +39,12 @@ public:
     [[nodiscard]] __SafeCFPropertyList GetPropertyList();
     /// The same for a copy that isn't a save: LastSaveUUID stays.
     [[nodiscard]] __SafeCFPropertyList GetSnapshotPropertyList() const;
+    /// The file's dictionary around the entries that GetPropertyList would write: the smart groups, then the groups, each
+    /// in file order. Begins a save, so that it makes a new save UUID.
+    [[nodiscard]] __SafeCFPropertyList GetPropertyListAround( CFContainer<XPlistArray> inEntries );
+    [[nodiscard]] __SafeCFPropertyList GetSnapshotPropertyListAround( CFContainer<XPlistArray> inEntries ) const;
+    [[nodiscard]] std::vector<MMacroSmartGroup*> GetSmartGroupsInFileOrder() const;
+    [[nodiscard]] std::vector<MMacroGroup*> GetMacroGroupsInFileOrder() const;
     void Empty();
 
     void DoForEveryMacro( const std::function<void( MMacroGroup&, MMacro& )>& inBlock ) const;
@@ -98,7 +104,9 @@ public:
     [[nodiscard]] static Text VersionFromFileData( std::span<const std::uint8_t> inData );
 
 private:
-    [[nodiscard]] __SafeCFPropertyList PropertyListWith( const XText& inSaveUUID ) const;
+    [[nodiscard]] CFContainer<XPlistArray> CopyEntries() const;
+    [[nodiscard]] __SafeCFPropertyList PropertyListWith(
+        CFContainer<XPlistArray> inEntries, const XText& inSaveUUID ) const;
     void LoadVersions( const XPlistDictionary& inDictionary );
     void LoadEntry( const __SafeCFPropertyList& inEntry, const KVMacroEnableOverrides* inOverrides,
         std::vector<MMacro*>& outMacros );

@@ -206,6 +206,7 @@ void MMacroGroup::SetDisabledForThisMac( bool inDisabled )
         mDisabledMacs.emplace_back( KVPreferences::MacUUID() );
     else
         std::erase( mDisabledMacs, XText( KVPreferences::MacUUID() ) );
+    DidChange();
 }
 
 bool MMacroGroup::IsAlwaysActive() const
@@ -262,6 +263,7 @@ void MMacroGroup::SetAvailableWindowXML( TextView inText )
     const __SafeCFPropertyList value = kvr_fromXMLString( inText, kActionsPlistLimits );
     if ( const XPlistDictionary* const dictionary = value.AsDictionary() )
         LoadWindowCondition( *dictionary );
+    DidChange();
 }
 
 std::optional<Text> MMacroGroup::GetActivationXML() const
@@ -276,6 +278,7 @@ void MMacroGroup::SetActivationXML( TextView inText )
     const __SafeCFPropertyList value = kvr_fromXMLString( inText, kActionsPlistLimits );
     if ( const XPlistDictionary* const dictionary = value.AsDictionary() )
         LoadActivationFromDictionary( *dictionary );
+    DidChange();
 }
 
 __SafeCFPropertyList MMacroGroup::CopyToPropertyList() const
@@ -311,6 +314,21 @@ std::unique_ptr<MMacro> MMacroGroup::CopyOneMacroFromExportPropertyList( const _
 
 __SafeCFPropertyList MMacroGroup::CopyOneMacroOrAllMacrosToPropertyList( const MMacro* inMacro, bool inForExport ) const
 {
+    XMutableArray macros;
+    if ( inMacro )
+        macros.Append( inMacro->CopyToPropertyList() );
+    else
+        DoForEveryMacro( [&macros]( const MMacro& macro ) { macros.Append( macro.CopyToPropertyList() ); } );
+    return CopyToPropertyListAround( macros.Seal(), inForExport );
+}
+
+__SafeCFPropertyList MMacroGroup::CopyToPropertyListAround( CFContainer<XPlistArray> inMacros ) const
+{
+    return CopyToPropertyListAround( std::move( inMacros ), false );
+}
+
+__SafeCFPropertyList MMacroGroup::CopyToPropertyListAround( CFContainer<XPlistArray> inMacros, bool inForExport ) const
+{
     XMutableDictionary dictionary;
     SaveBaseToDictionary( dictionary );
     if ( not mName.IsNull() )
@@ -329,12 +347,7 @@ __SafeCFPropertyList MMacroGroup::CopyOneMacroOrAllMacrosToPropertyList( const M
             macs.Append( mac );
         dictionary.Set( CFSTR( "DisabledMacs" ), macs.Seal() );
     }
-    XMutableArray macros;
-    if ( inMacro )
-        macros.Append( inMacro->CopyToPropertyList() );
-    else
-        DoForEveryMacro( [&macros]( const MMacro& macro ) { macros.Append( macro.CopyToPropertyList() ); } );
-    dictionary.Set( CFSTR( "Macros" ), macros.Seal() );
+    dictionary.Set( CFSTR( "Macros" ), std::move( inMacros ) );
     return dictionary.Seal();
 }
 

@@ -59,6 +59,8 @@ public:
     void AddMatchStrings( StringSearchee& ioSearchee ) const override;
     /// The file form, with all macros.
     [[nodiscard]] __SafeCFPropertyList CopyToPropertyList() const override;
+    /// The file form around these macros.
+    [[nodiscard]] __SafeCFPropertyList CopyToPropertyListAround( CFContainer<XPlistArray> inMacros ) const;
     /// Not what a group uses: loads without overrides.
     void LoadFromPropertyList( const __SafeCFPropertyList& inValue ) override;
     [[nodiscard]] Text SerializedObjectKindName() const override;
@@ -103,9 +105,17 @@ public:
     [[nodiscard]] const MMacroAppTarget& GetTarget() const { return mTarget; }
     void SetTarget( MMacroAppTarget inTarget );
     [[nodiscard]] const MFrontWindowCondition& GetWindowCondition() const { return mWindowCondition; }
-    void SetWindowCondition( MFrontWindowCondition inCondition ) { mWindowCondition = std::move( inCondition ); }
+    void SetWindowCondition( MFrontWindowCondition inCondition )
+    {
+        mWindowCondition = std::move( inCondition );
+        DidChange();
+    }
     [[nodiscard]] MacroGroupActivate GetActivate() const { return mActivate; }
-    void SetActivate( MacroGroupActivate inActivate ) { mActivate = inActivate; }
+    void SetActivate( MacroGroupActivate inActivate )
+    {
+        mActivate = inActivate;
+        DidChange();
+    }
     [[nodiscard]] std::uint16_t GetKeyCode() const { return mKeyCode; }
     [[nodiscard]] std::uint32_t GetModifiers() const { return mModifiers; }
     [[nodiscard]] bool GetDisplayToggle() const { return mDisplayToggle; }
@@ -140,6 +150,8 @@ private:
     void LoadMacros( const XPlistArray& inMacros, const KVMacroEnableOverrides* inOverrides );
     [[nodiscard]] __SafeCFPropertyList CopyOneMacroOrAllMacrosToPropertyList(
         const MMacro* inMacro, bool inForExport ) const;
+    [[nodiscard]] __SafeCFPropertyList CopyToPropertyListAround(
+        CFContainer<XPlistArray> inMacros, bool inForExport ) const;
 
     XText mName;
     MMacroAppTarget mTarget;

@@ -88,6 +88,7 @@ void MMacroSerializedObject::DidChangeWords()
 {
     mSearchTexts.Forget();
     MSearchTexts::DidChange( mUID );
+    DidChange();
 }
 
 MMacroSerializedObject* MMacroSerializedObject::FindObjectByUID( const XText& inUID )
@@ -127,6 +128,7 @@ bool MMacroSerializedObject::SetTimesIfNotSet( XAbsoluteTime inTime )
     if ( mCreationTime >= 1.0 )
         return false;
     mCreationTime = inTime;
+    DidChange();
     return true;
 }
 
@@ -173,6 +175,7 @@ void MMacroSerializedObject::SetCustomIconData( const __SafeCFPropertyList& inDa
 {
     mCustomIconData = inData;
     mCustomIcon = XIcon();
+    DidChange();
 }
 
 XIcon MMacroSerializedObject::GetCustomIcon() const
@@ -250,6 +253,7 @@ void MMacroSerializedObject::LoadBaseFromDictionary( const XPlistDictionary* dic
     XAssertText( not mUID.IsNull(), "mUID" );
     LoadUID( *dictionary );
 
+    DidChange();
     mCreationTime = ReadTime( *dictionary, CFSTR( "CreationDate" ) );
     mIsActive = true;
     (void)dictionary->Get( CFSTR( "IsActive" ), mIsActive );
@@ -282,6 +286,7 @@ void MMacroSerializedObject::SaveBaseToDictionary( XMutableDictionary& ioDiction
 void MMacroSerializedObject::CloneToSerializeObject( CloneFor what, MMacroSerializedObject& ioTarget ) const
 {
     XAssert( what == CloneFor::kDisplayOnlyReference or MMacroInsertion::CurrentlyInserting() );
+    ioTarget.DidChange();
     ioTarget.mIsActive = mIsActive;
     ioTarget.mCustomIconData = mCustomIconData;
     ioTarget.mCustomIcon = mCustomIcon;

@@ -4,6 +4,7 @@
 // once. All of it belongs to the main thread.
 #pragma once
 
+#include "CFMethods/BinaryPropertyListPieces.h"
 #include "CFMethods/PropertyList.h"
 #include "Macros/CloneFor.h"
 #include "Macros/MSearchTexts.h"
@@ -61,7 +62,11 @@ public:
     [[nodiscard]] virtual const MMacroSmartGroup* GetAsMacroSmartGroup() const { return nullptr; }
 
     [[nodiscard]] virtual bool IsActive() const { return mIsActive; }
-    virtual void SetIsActive( bool inActive ) { mIsActive = inActive; }
+    virtual void SetIsActive( bool inActive )
+    {
+        mIsActive = inActive;
+        DidChange();
+    }
 
     /// Without regard to case.
     [[nodiscard]] virtual bool NameMatches( const XText& inMatch ) const;
@@ -75,6 +80,14 @@ public:
     /// Whoever changes an action or trigger in place says so here, or by the calls for the actions' icon. Everything
     /// else says so by itself.
     void DidChangeWords();
+
+    /// Something that is saved changed: every operation that changes the object calls it, for a change that isn't told
+    /// isn't saved. DidChangeWords tells it as well.
+    void DidChange() { mPiece.reset(); }
+    /// The encoded form of the object as it is now, a group's without its macros; null when there is none. MMacroFileEncoder
+    /// keeps it here.
+    [[nodiscard]] const XPlistPiecePtr& GetPiece() const { return mPiece; }
+    void SetPiece( XPlistPiecePtr inPiece ) { mPiece = std::move( inPiece ); }
 
     /// The object as a property list.
     [[nodiscard]] virtual __SafeCFPropertyList CopyToPropertyList() const = 0;
@@ -129,6 +142,7 @@ private:
     bool mIsActive = true;
     __SafeCFPropertyList mCustomIconData;
     MSearchTexts mSearchTexts;
+    XPlistPiecePtr mPiece;
     mutable XIcon mCustomIcon; // decoded from the data on first use: lists redraw icons constantly
 };
 

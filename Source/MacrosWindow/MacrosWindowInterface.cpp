@@ -1,5 +1,7 @@
 #include "MacrosWindow/MacrosWindowInterface.h"
 
+#include "Macros/MMacro.h"
+#include "Macros/MMacroGroup.h"
 #include "MacrosWindow/MacrosWindowUndo.h"
 
 #include <algorithm>
@@ -17,6 +19,22 @@ void ForEachWindow( const Block& inBlock )
     {
         if ( std::find( gWindows.begin(), gWindows.end(), window ) != gWindows.end() )
             inBlock( *window );
+    }
+}
+
+// Whatever was changed behind an object's back, in an action or a trigger, is saved: its encoded form goes. Deleted
+// objects aren't touched, for they may be gone.
+void TellObjects( const MacrosWindowChange& inChange )
+{
+    using enum MacrosWindowChangeType;
+    if ( inChange.mType == kMacroGroupDeleted or inChange.mType == kMacroSmartGroupDeleted or
+        inChange.mType == kMacroDeleted )
+        return;
+    for ( MMacroSerializedObject* const object : inChange.mObjects )
+    {
+        object->DidChangeWords();
+        if ( const MMacroGroup* const group = object->GetAsMacroGroup() )
+            group->DoForEveryMacro( []( MMacro& macro ) { macro.DidChangeWords(); } );
     }
 }
 } // namespace
@@ -43,6 +61,7 @@ void MacrosWindowInterface::ApplicationWillTerminate()
 
 void MacrosWindowInterface::NoteChange( const std::optional<Text>& inTitle, const MacrosWindowChange& inChange )
 {
+    TellObjects( inChange );
     ForEachWindow( [&]( MacrosWindow& window ) { window.noteChange( inChange ); } );
     if ( inTitle )
         MacrosWindowUndo::PrivateSaveAllMacrosSoon( *inTitle );
