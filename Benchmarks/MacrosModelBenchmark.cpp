@@ -1,9 +1,13 @@
-// Macros files as people wait for them: from bytes to the whole model, from the model to bytes, and what loading
-// takes of memory; libplist's mere parse of the same bytes beside it. And cron expressions.
+// Macros files as people wait for them: from bytes to the whole model, from the model to bytes, whole and after an edit,
+// and what that takes of memory; beside it libplist's mere parse of the same bytes, and a plain save, which builds the
+// whole property list and writes it. And cron expressions.
 #include "Benchmarks/MacrosFileMaker.h"
 #include "Benchmarks/Peers.h"
 #include "Benchmarks/Report.h"
+#include "Macros/MMacro.h"
 #include "Macros/MMacroDomain.h"
+#include "Macros/MMacroFileEncoder.h"
+#include "MacrosWindow/MacrosWindowInterface.h"
 #include "Utility/Cron/CronSchedule.h"
 #include "XCAF/XFileWriting.h"
 
@@ -56,6 +60,104 @@ double PeakBytesPerByte( const XBytes& inBytes )
     return bytes / double( inBytes.size() );
 }
 
+void SavePlainly( benchmark::State& ioState, const XBytes& inBytes )
+{
+    const auto domain = Load( inBytes );
+    for ( [[maybe_unused]] auto round : ioState )
+        benchmark::DoNotOptimize( WriteBinaryPropertyList( domain->GetPropertyList() ).size() );
+}
+
+// One macro after another, so that no round finds in the caches what the one before left there.
+class Editor
+{
+public:
+    explicit Editor( const MMacroDomain& inDomain )
+    {
+        inDomain.DoForEveryMacro( [this]( MMacroGroup&, MMacro& macro ) { mMacros.push_back( &macro ); } );
+    }
+    MMacro& Edit()
+    {
+        MMacro& macro = *mMacros[mNext = ( mNext + 7919 ) % mMacros.size()];
+        macro.SetName( Text( u"Edited " ) + Text( 1, char16_t( u'a' + mNext % 26 ) ) );
+        return macro;
+    }
+
+private:
+    std::vector<MMacro*> mMacros;
+    std::size_t mNext = 0;
+};
+
+double HeapBytes()
+{
+    const auto info = mallinfo2();
+    return double( info.uordblks ) + double( info.hblkhd );
+}
+
+void SaveAnew( benchmark::State& ioState, const XBytes& inBytes )
+{
+    const auto domain = Load( inBytes );
+    for ( [[maybe_unused]] auto round : ioState )
+        benchmark::DoNotOptimize( MMacroFileEncoder::EncodeMacroDomainAnew( *domain )->Span().size() );
+    MMacroFileEncoder::Forget();
+    malloc_trim( 0 );
+    const double before = HeapBytes();
+    static_cast<void>( MMacroFileEncoder::EncodeMacroDomain( *domain ) );
+    ioState.counters["kept bytes/file byte"] = ( HeapBytes() - before ) / double( inBytes.size() );
+}
+
+// What the main thread does: the bytes are put together by whoever writes them.
+void SaveAfterEdit( benchmark::State& ioState, const XBytes& inBytes )
+{
+    const auto domain = Load( inBytes );
+    Editor editor( *domain );
+    static_cast<void>( MMacroFileEncoder::EncodeMacroDomain( *domain ) );
+    for ( [[maybe_unused]] auto round : ioState )
+    {
+        editor.Edit();
+        MMacroFileDataPtr data = MMacroFileEncoder::EncodeMacroDomain( *domain );
+        ioState.PauseTiming(); // the list of pieces goes on the writer's queue
+        data.reset();
+        ioState.ResumeTiming();
+    }
+}
+
+void PutTogether( benchmark::State& ioState, const XBytes& inBytes )
+{
+    const auto domain = Load( inBytes );
+    Editor editor( *domain );
+    for ( [[maybe_unused]] auto round : ioState )
+    {
+        ioState.PauseTiming();
+        editor.Edit();
+        MMacroFileDataPtr data = MMacroFileEncoder::EncodeMacroDomain( *domain );
+        ioState.ResumeTiming();
+        benchmark::DoNotOptimize( data->Span().data() );
+        data.reset();
+    }
+}
+
+void EditThroughTheFunnel( benchmark::State& ioState, const XBytes& inBytes )
+{
+    const auto domain = Load( inBytes );
+    Editor editor( *domain );
+    static_cast<void>( MMacroFileEncoder::EncodeMacroDomain( *domain ) );
+    for ( [[maybe_unused]] auto round : ioState )
+    {
+        MacrosWindowChange change;
+        change.mType = MacrosWindowChangeType::kMacroChanged;
+        change.mObjects = { &editor.Edit() };
+        MacrosWindowInterface::NoteChange( u"Rename", change );
+    }
+}
+
+// As by an undo: the old model goes, and the new one comes out of the bytes.
+void Reload( benchmark::State& ioState, const XBytes& inBytes )
+{
+    const auto domain = Load( inBytes );
+    for ( [[maybe_unused]] auto round : ioState )
+        domain->LoadFromPropertyList( ReadPropertyList( inBytes.Span() ).mValue );
+}
+
 void Register( const Corpus& inCorpus )
 {
     const auto add = [&inCorpus]( const char* inSubject, const char* inWho, auto inBody ) {
@@ -86,11 +188,15 @@ void Register( const Corpus& inCorpus )
             ioState.ResumeTiming();
         }
     } );
-    add( "macros-save", "ours", []( benchmark::State& ioState, const XBytes& inBytes ) {
-        const auto domain = Load( inBytes );
-        for ( [[maybe_unused]] auto round : ioState )
-            benchmark::DoNotOptimize( WriteBinaryPropertyList( domain->GetPropertyList() ).size() );
-    } );
+    // Each beside the save that it is measured by.
+    add( "macros-save", "ours", SaveAnew );
+    add( "macros-save", "plain save", SavePlainly );
+    add( "macros-save-after-edit", "ours", SaveAfterEdit );
+    add( "macros-save-after-edit", "plain save", SavePlainly );
+    add( "macros-put-together", "ours", PutTogether );
+    add( "macros-put-together", "plain save", SavePlainly );
+    add( "macros-edit", "ours", EditThroughTheFunnel );
+    add( "macros-reload", "ours", Reload );
 }
 
 void RegisterCron()
