@@ -145,15 +145,20 @@ std::filesystem::path MadeFolder( std::filesystem::path inFolder )
     return inFolder;
 }
 
+std::filesystem::path OwnFolder()
+{
+    Text name = Get( kPreferenceFolderNameID, u"" ).GetText();
+    if ( not IsFolderName( name ) )
+        name = TextFromASCII( kFolderName );
+    return kvr_userFolder( "XDG_DATA_HOME", ".local/share" ) / UTF8FromText( name );
+}
+
 std::filesystem::path FindFolderPath( State& ioState )
 {
     if ( not ioState.mFolder.empty() )
         return MadeFolder( ioState.mFolder );
-    Text name = Get( kPreferenceFolderNameID, u"" ).GetText();
-    if ( not IsFolderName( name ) )
-        name = TextFromASCII( kFolderName );
     // There never was another place for them on this kind of system.
-    return FolderOfKinds( {}, kvr_userFolder( "XDG_DATA_HOME", ".local/share" ) / UTF8FromText( name ) );
+    return FolderOfKinds( {}, OwnFolder() );
 }
 } // namespace
 
@@ -337,6 +342,17 @@ std::filesystem::path FolderPath()
     const auto state = CurrentState();
     std::call_once( state->mFolderOnce, [&] { state->mFolderPath = FindFolderPath( *state ); } );
     return state->mFolderPath;
+}
+
+std::filesystem::path PlannedFolderPath()
+{
+    const auto state = CurrentState();
+    return state->mFolder.empty() ? OwnFolder() : state->mFolder;
+}
+
+bool FolderIsGiven()
+{
+    return not CurrentState()->mFolder.empty();
 }
 
 std::filesystem::path FilePath( TextView inName )

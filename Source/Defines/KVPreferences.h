@@ -115,6 +115,10 @@ bool WriteUnsaved();
 /// The folder of all data files; made if needed. In the user's data folder, it is named by "PreferenceFolderName",
 /// which is read once; KORVALEN_HOME or UseFolder is the folder itself.
 [[nodiscard]] std::filesystem::path FolderPath();
+/// Where it is or would be; makes nothing.
+[[nodiscard]] std::filesystem::path PlannedFolderPath();
+/// KORVALEN_HOME or UseFolder names it.
+[[nodiscard]] bool FolderIsGiven();
 /// Where the data lie when the system has an older place for them and a newer one: the newer one, to which a folder at
 /// the older one is moved unless the newer one exists. If it can't be moved, the data stay in use where they are.
 [[nodiscard]] std::filesystem::path FolderOfKinds(
