@@ -91,6 +91,18 @@ void MMacroPreferenceFile::UndoRedoMacroData( const MMacroFileDataPtr& inData )
     WaitForQueue();
 }
 
+void MMacroPreferenceFile::SaveRemoteMacroShareFileData( const MMacroFileDataPtr& inData )
+{
+    SaveMacroData( inData );
+    WaitForQueue();
+    XWork::Current().MainQueue()->Async( [] { MMacroApplication::Current().HandleReloadMacros(); } );
+}
+
+bool MMacroPreferenceFile::CopyMacroShareFileToRemote( const std::filesystem::path& inPath )
+{
+    return gPrivateLastSavedData and not XAtomicFile::Write( inPath, gPrivateLastSavedData->Span() );
+}
+
 void MMacroPreferenceFile::SetLoadAllMacrosNeedsSave()
 {
     gLoadAllMacrosNeedsSave = true;
