@@ -34,17 +34,18 @@ struct SharedMacros
     __SafeCFPropertyList mProperties;
 };
 
-/// What a file holds, if that is a property list; else nothing, logged.
+/// What a file holds, if that is a dictionary; else nothing, logged.
 std::optional<SharedMacros> ReadShared( const std::filesystem::path& inPath )
 {
     XFileContent content = ReadWholeFile( inPath, kMostFileBytes );
     std::string fault;
     if ( content.mError )
         fault = content.mError->Describe();
-    else if ( auto properties = ReadPropertyList( content.mBytes.Span(), kActionsPlistLimits ).mValue )
+    else if ( auto properties = ReadPropertyList( content.mBytes.Span(), kActionsPlistLimits ).mValue;
+              properties.AsDictionary() )
         return SharedMacros{ std::make_shared<const MMacroFileData>( std::move( content.mBytes ) ), properties };
     else
-        fault = "it isn't a property list";
+        fault = "it isn't a dictionary in a property list";
     XErrorHandler::PrivateMaybeLogFormat( "always", "Can't share macros by %@: %@", inPath, fault );
     return {};
 }
@@ -52,9 +53,8 @@ std::optional<SharedMacros> ReadShared( const std::filesystem::path& inPath )
 /// Would a load take it? A file of a newer version may have another form, so its version is asked first.
 bool IsMacrosFile( const __SafeCFPropertyList& inProperties )
 {
-    const XPlistDictionary* const dictionary = inProperties.AsDictionary();
     CFContainer<XPlistArray> groups;
-    return dictionary and dictionary->Get( CFSTR( "MacroGroups" ), groups );
+    return inProperties.AsDictionary()->Get( CFSTR( "MacroGroups" ), groups );
 }
 
 /// Our macros as they were saved last, and the macros file where that is something else. False when there is no copy,

@@ -1,11 +1,16 @@
 #include "Macros/KVMacroEnableOverrides.h"
 
+#include "Defines/KVPreferences.h"
+#include "Defines/SetAside.h"
+#include "Tests/Fakes/ManualSleep.h"
+#include "Tests/Fakes/ManualWorld.h"
 #include "Tests/Support/ScratchFolder.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace std::string_literals;
@@ -29,6 +34,16 @@ std::string UID( char inDigit )
 
 struct EnableOverrides : testing::Test
 {
+    EnableOverrides() { KVPreferences::UseFolder( mFolder.Path() ); }
+    ~EnableOverrides() override { KVPreferences::UseFolder( {} ); }
+    /// The bytes of the copies, the newest first.
+    [[nodiscard]] std::vector<std::string> Copies() const
+    {
+        std::vector<std::string> copies;
+        for ( const auto& entry : SetAside::List( SetAside::Kind::kOverrides ) )
+            copies.push_back( mFolder.Read( "Set Aside/" + entry.mPath.filename().native() ) );
+        return copies;
+    }
     [[nodiscard]] std::optional<KVMacroEnableOverrides> Get()
     {
         return KVMacroEnableOverrides::Get( mFolder / kName, [this]( double inSeconds ) {
@@ -39,6 +54,7 @@ struct EnableOverrides : testing::Test
     }
 
     ScratchFolder mFolder;
+    ManualWorld mWorld;
     std::vector<double> mWaited;
     std::function<void()> mWhileWaiting;
 };
@@ -124,4 +140,93 @@ TEST_F( EnableOverrides, ALinkIsNotFollowed )
     std::filesystem::create_symlink( mFolder / "precious", mFolder / kName );
     EXPECT_FALSE( Get() );
     EXPECT_EQ( mFolder.Read( "precious" ), Record( '1', UID( 'A' ) ) );
+}
+
+TEST_F( EnableOverrides, ACopyStandsAsideUntilASaveThatHasThem )
+{
+    using Texts = std::vector<std::string>;
+    const std::string first = Record( '1', UID( 'A' ) ), second = Record( '0', UID( 'A' ) );
+    const auto before = KVMacroEnableOverrides::CountTaken();
+    mFolder.Write( kName, first );
+    EXPECT_TRUE( Get() );
+    EXPECT_EQ( Copies(), Texts( { first } ) );
+    KVMacroEnableOverrides::DidSave( before );
+    EXPECT_EQ( Copies(), Texts( { first } ) ) << "the bytes of that save were built before";
+
+    const auto between = KVMacroEnableOverrides::CountTaken();
+    mFolder.Write( kName, second );
+    EXPECT_TRUE( Get() );
+    EXPECT_EQ( Copies(), Texts( { second, first } ) );
+    KVMacroEnableOverrides::DidSave( between );
+    EXPECT_EQ( Copies(), Texts( { second } ) );
+    KVMacroEnableOverrides::DidSave( KVMacroEnableOverrides::CountTaken() );
+    EXPECT_EQ( Copies(), Texts() );
+}
+
+TEST_F( EnableOverrides, TheCopyOfAFileWithABadRecordStays )
+{
+    const std::string good = Record( '1', UID( 'A' ) );
+    const std::string bad[] = { good + "2:" + UID( 'B' ) + '\0', good + "1:" + UID( 'B' ), good + "1:" };
+    for ( const std::string& bytes : bad )
+    {
+        mFolder.Write( kName, bytes );
+        const auto overrides = Get();
+        ASSERT_TRUE( overrides );
+        EXPECT_EQ( overrides->GetCount(), 1u ) << "a last record that isn't whole counts for nothing";
+        KVMacroEnableOverrides::DidSave( KVMacroEnableOverrides::CountTaken() );
+        ASSERT_FALSE( Copies().empty() );
+        EXPECT_EQ( Copies().front(), bytes );
+    }
+    EXPECT_EQ( Copies().size(), 3u );
+}
+
+TEST_F( EnableOverrides, WithoutACopyTheyAreLeftForTheNextTime )
+{
+    mFolder.Write( kName, Record( '1', UID( 'A' ) ) );
+    mFolder.Write( "Set Aside", "a file in the way" );
+    EXPECT_FALSE( Get() );
+    EXPECT_NE( mFolder.Read( kName ), "" );
+    std::filesystem::remove( mFolder / "Set Aside" );
+    EXPECT_TRUE( Get() );
+    EXPECT_EQ( mFolder.Read( kName ), "" );
+}
+
+TEST_F( EnableOverrides, AFileThatCantBeReadToItsEndIsLeft )
+{
+    struct BadDisk final : XFileCalls
+    {
+        std::ptrdiff_t Read( int inFile, std::span<std::uint8_t> outBytes ) override
+        {
+            if ( mCount++ == 0 )
+                return XFileCalls::Read( inFile, outBytes.first( 39 ) );
+            errno = EIO;
+            return -1;
+        }
+        int mCount = 0;
+    } disk;
+    const std::string bytes = Record( '1', UID( 'A' ) ) + Record( '1', UID( 'B' ) );
+    mFolder.Write( kName, bytes );
+    {
+        const XFileCalls::Substitute inUse( disk );
+        EXPECT_FALSE( Get() );
+    }
+    EXPECT_EQ( mFolder.Read( kName ), bytes );
+    EXPECT_EQ( Get()->GetCount(), 2u );
+}
+
+TEST_F( EnableOverrides, AFileThatIsMadeIsForTheGroupTooAndOneThatIsThereKeepsItsMode )
+{
+    const auto ModeOf = [this] {
+        struct stat status = {};
+        return ::stat( ( mFolder / kName ).c_str(), &status ) == 0 ? status.st_mode & 07777 : 0;
+    };
+    const mode_t mask = ::umask( 077 );
+    ManualSleep sleep( mWorld.mClock );
+    EXPECT_FALSE( KVMacroEnableOverrides::Get() );
+    ::umask( mask );
+    EXPECT_EQ( ModeOf(), 0660u );
+    ASSERT_EQ( ::chmod( ( mFolder / kName ).c_str(), 0640 ), 0 );
+    EXPECT_FALSE( KVMacroEnableOverrides::Get() );
+    EXPECT_EQ( ModeOf(), 0640u );
+    EXPECT_EQ( sleep.mCount, 0 );
 }
