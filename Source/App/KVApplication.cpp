@@ -43,15 +43,14 @@ public:
     }
 
 private:
-    using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
-
-    /// Absent for a file that has gone, as when the engine was replaced while it ran.
-    static std::optional<FileIdentity> FileOf( const std::filesystem::path& inPath )
+    /// Absent for a file that has gone, as when the engine was replaced while it ran. All facts count: the number of a
+    /// removed file is soon given to another.
+    static std::optional<XFileStatus> FileOf( const std::filesystem::path& inPath )
     {
         XFileStatus facts;
         if ( inPath.empty() or XFileCalls::Current().GetPathFacts( inPath, facts ) != 0 )
             return {};
-        return FileIdentity( facts.mDevice, facts.mFile );
+        return facts;
     }
 
     [[nodiscard]] bool IsStillTheEngine() const
@@ -68,7 +67,7 @@ private:
     XRunningApplication& mProcess;
     std::int64_t mNumber;
     std::filesystem::path mExecutable;
-    std::optional<FileIdentity> mFile;
+    std::optional<XFileStatus> mFile;
 };
 
 /// Waits until it has gone, or time is up.
