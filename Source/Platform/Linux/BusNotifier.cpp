@@ -177,13 +177,15 @@ void BusNotifier::Drop( const Posting& inPosting, const char* inWhy )
 
 void BusNotifier::Send( const Posting& inPosting )
 {
-    const bool isToEngine = inPosting.mAudience == Audience::kEngineOnly;
+    const bool isToEngine = inPosting.mAudience == Audience::kEngineOnly, isLoad = inPosting.mName == kLoadMacroFiles;
+    if ( isLoad and mEngine.empty() )
+        return; // the engine that comes is told then, and only once
     if ( isToEngine and mEngine.empty() )
     {
         Drop( inPosting, "there is no engine" );
         return;
     }
-    if ( Emit( inPosting, isToEngine ? mEngine.c_str() : nullptr ) and inPosting.mName == kLoadMacroFiles )
+    if ( Emit( inPosting, isToEngine ? mEngine.c_str() : nullptr ) and isLoad )
         mToldOfLoad = mEngine;
 }
 

@@ -9,9 +9,12 @@
 #include <csignal>
 #include <cstring>
 #include <poll.h>
-#include <sys/pidfd.h>
 #include <sys/stat.h>
 #include <unistd.h>
+// This header of the system declares its functions for C alone.
+extern "C" {
+#include <sys/pidfd.h>
+}
 
 namespace
 {
