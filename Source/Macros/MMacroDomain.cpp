@@ -452,10 +452,14 @@ Text MMacroDomain::VersionFromFileData( std::span<const std::uint8_t> inData )
     XAssertText( inData.data() != nullptr, "data" );
     if ( inData.data() == nullptr )
         return kUnknownVersion;
-    const XPlistReadResult properties = ReadPropertyList( inData, kActionsPlistLimits );
-    XAssertText( properties.mValue, "properties" );
-    const XPlistDictionary* const dictionary = properties.mValue.AsDictionary();
-    if ( properties.mValue )
+    return VersionFromPropertyList( ReadPropertyList( inData, kActionsPlistLimits ).mValue );
+}
+
+Text MMacroDomain::VersionFromPropertyList( const __SafeCFPropertyList& inProperties )
+{
+    XAssertText( inProperties, "properties" );
+    const XPlistDictionary* const dictionary = inProperties.AsDictionary();
+    if ( inProperties )
         XAssertText( dictionary, "[properties isKindOfClass:[NSDictionary class]]" );
     XText version;
     const bool found = dictionary and dictionary->Get( CFSTR( "Version" ), version );

@@ -102,6 +102,8 @@ public:
     [[nodiscard]] static Text GetOurVersion();
     /// The "Version" of a macros file's bytes, "1.0.0d1" if they have none.
     [[nodiscard]] static Text VersionFromFileData( std::span<const std::uint8_t> inData );
+    /// The same of a value that was parsed already.
+    [[nodiscard]] static Text VersionFromPropertyList( const __SafeCFPropertyList& inProperties );
 
 private:
     [[nodiscard]] CFContainer<XPlistArray> CopyEntries() const;

@@ -1,44 +1,113 @@
 #include "Macros/MMacroPreferenceFile.h"
 
+#include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVPreferences.h"
+#include "Defines/KVVersion.h"
+#include "Defines/XFileSemaphoreLock.h"
+#include "Macros/ImportedLibraries.h"
+#include "Macros/KVMacroEnableOverrides.h"
 #include "Macros/MMacroApplication.h"
 #include "Macros/MMacroDomain.h"
+#include "Macros/MMacroFileAlerts.h"
+#include "Macros/MMacroFileLoading.h"
+#include "Macros/MMacroFileSaving.h"
+#include "Macros/MMacroFilesSeen.h"
+#include "Macros/MRevisions.h"
+#include "Macros/RevisionDates.h"
+#include "Macros/SpotlightExport.h"
 #include "Utility/Work/Work.h"
 #include "XCAF/XErrorHandler.h"
-#include "XCAF/XException.h"
 #include "XCAF/XFileWriting.h"
 
+#include <cerrno>
 #include <utility>
 
 namespace
 {
-bool gLoadAllMacrosNeedsSave = false;
-MMacroFileDataPtr gPrivateLastSavedData;
+using namespace MMacroFileSaving;
 
-class MacroDataQueue
+constexpr std::size_t kMostBytes = std::size_t( 2 ) << 30;
+constexpr char16_t kFromShared[] = u"Korvalen Macros From Shared.plist";
+
+bool gLoadAllMacrosNeedsSave = false;
+bool gBeginAnew = false;
+
+/// The domain as the bytes of a macros file.
+MMacroFileDataPtr EncodeDomain()
+{
+    return std::make_shared<const MMacroFileData>( WriteBinaryPropertyList( MMacroDomain::Get()->GetPropertyList() ) );
+}
+
+/// The same with the date that it bears. A midnight in between would leave bytes of the new day under the date of the old
+/// one, and the next save would make a revision of the wrong day of them.
+std::pair<MMacroFileDataPtr, Text> EncodeDomainOfToday()
+{
+    for ( int tries = 2;; --tries )
+    {
+        Text today = RevisionDates::GetCurrentSaveDate();
+        MMacroFileDataPtr data = EncodeDomain();
+        if ( tries == 1 or RevisionDates::GetCurrentSaveDate() == today )
+            return { std::move( data ), std::move( today ) };
+    }
+}
+
+class IncomingChangeQueue
 {
 public:
-    explicit MacroDataQueue( XWork& inWork ) : mQueue( inWork.MakeSerialQueue( u"com.tessarine.korvalen.MacroData" ) )
+    explicit IncomingChangeQueue( XWork& inWork )
+        : mQueue( inWork.MakeSerialQueue( u"com.tessarine.korvalen.ProcessSharingIncomingChange" ) )
     {}
-    [[nodiscard]] XQueue& Queue() const { return *mQueue; }
-
-private:
     std::shared_ptr<XQueue> mQueue;
 };
 
-XQueue& Queue()
+XFileContent TakeIncomingFile()
 {
-    return XWork::Current().Shared<MacroDataQueue>().Queue();
+    const auto incomingPath = KVPreferences::FilePath( kFromShared );
+    XAssertText( not incomingPath.empty(), "incomingPath" );
+    const MMacroSharedIncomingFileLock lock;
+    XFileContent content = ReadWholeFile( incomingPath, kMostBytes );
+    if ( not content.mError )
+        (void)XFileCalls::Current().Unlink( incomingPath );
+    return content;
 }
 
-void SaveMacroData( const MMacroFileDataPtr& inData )
+void IncomingReadFailed( const std::string& inDescription )
 {
-    XAssertText( inData, "inData" );
-    gPrivateLastSavedData = inData;
-    Queue().Async( [inData] {
-        if ( const auto error = XAtomicFile::Write( MMacroPreferenceFile::MacrosFilePath(), inData->Span() ) )
-            XErrorHandler::PrivateMaybeLogFormat(
-                "always", "Preference write failed with error: %@; %@", error->Describe(), "" );
+    XErrorHandler::PrivateMaybeLogFormat(
+        "always", "Preference read share incoming failed with error: %@; %@", inDescription, u"" );
+}
+
+void TakeIncomingChange()
+{
+    // 1. and 2.
+    XFileContent content = TakeIncomingFile();
+    if ( content.mError )
+        return IncomingReadFailed( content.mError->Describe() );
+    const auto data = std::make_shared<const MMacroFileData>( std::move( content.mBytes ) );
+    std::string reason;
+    const __SafeCFPropertyList properties = MMacroFileLoading::ParseMacrosFile( data, reason );
+    if ( not properties )
+    {
+        IncomingReadFailed( reason );
+        SetAsideBeforeWriting( SetAside::Kind::kShareFile, data, u"a shared file that came in can't be read" );
+        return MMacroFileAlerts::Post(
+            MMacroFileAlerts::kShareFileUnreadable, KVPreferences::FilePath( kFromShared ), TextFromUTF8( reason ) );
+    }
+    // 3. and 4.
+    if ( MMacroFileSaving::IsSharingDisabledBecauseOfNewerVersion() )
+        return;
+    if ( KVVersion::Compare( MMacroDomain::VersionFromPropertyList( properties ), MMacroDomain::GetOurVersion() ) > 0 )
+    {
+        SetSharingDisabledBecauseOfNewerVersion( true );
+        return MMacroFileAlerts::SharedFileIsNewer();
+    }
+    // 5.
+    if ( MMacroFilesSeen::ContainsSeen( data, true ) )
+        return XErrorHandler::PrivateMaybeLogFormat( "display", "Ignoring shared file we have already seen" );
+    // 6. Edits that wait are saved first, or the reload that follows would throw them away.
+    XWork::Current().MainQueue()->Async( [data] {
+        MMacroApplication::Current().SaveAllMacrosIfNecessary();
+        SaveMacroData( nullptr, data, Change::kReceived, Afterwards::kReload );
     } );
 }
 } // namespace
@@ -50,28 +119,36 @@ std::filesystem::path MMacroPreferenceFile::MacrosFilePath()
 
 void MMacroPreferenceFile::SaveAllMacros()
 {
+    MMacroDomain* const domain = MMacroDomain::Get();
+    XAssert( domain );
+    if ( not domain )
+        return;
+    if ( IsSavingLatchedOff() )
+    {
+        XErrorBeep( "Nothing is saved, for the macros in memory are incomplete since a load failed" );
+        return;
+    }
+    // 1. to 5. The first save of each day preserves the state of the day before.
     gLoadAllMacrosNeedsSave = false;
-    SaveMacroData(
-        std::make_shared<const MMacroFileData>( WriteBinaryPropertyList( MMacroDomain::Get()->GetPropertyList() ) ) );
-}
-
-void MMacroPreferenceFile::ReloadAllMacros()
-{
-    try
-    {
-        const auto properties = ReadPropertyList( gPrivateLastSavedData->Span() );
-        XThrowIfNotText( properties.mValue, "properties" );
-        MMacroDomain::Get()->LoadFromPropertyList( properties.mValue );
-    }
-    catch ( const XException& )
-    {
-        XErrorBeep( "Failed to reload macros" );
-    }
+    SetFailedQuitting( false );
+    const auto [data, today] = EncodeDomainOfToday();
+    const XText previous = domain->GetLastSaveDate().Equals( today ) ? XText() : domain->GetLastSaveDate();
+    SaveMacroData( previous, data, Change::kLocal, Afterwards::kNothing, KVMacroEnableOverrides::CountTaken() );
+    MMacroFileLoading::NoteWhole( data );
+    if ( not previous.IsNull() )
+        domain->SetLastSaveDate( today );
+    // 6.
+    XWork::Current().MainQueue()->Async( [] {
+        MMacroApplication::Current().macrosSavedClearAppleScriptCaches();
+        if ( MMacroDomain::Get() )
+            SpotlightExport::ExportToSpotlightIndex();
+    } );
 }
 
 void MMacroPreferenceFile::FinalSaveAllMacros()
 {
-    SaveAllMacros();
+    if ( not IsFailedQuitting() )
+        SaveAllMacros();
     WaitForQueue();
 }
 
@@ -82,25 +159,75 @@ void MMacroPreferenceFile::WaitForQueue()
 
 MMacroFileDataPtr MMacroPreferenceFile::SavedData()
 {
-    return gPrivateLastSavedData;
+    return LastSaved();
 }
 
 void MMacroPreferenceFile::UndoRedoMacroData( const MMacroFileDataPtr& inData )
 {
-    SaveMacroData( inData );
+    SaveMacroData( nullptr, inData, Change::kLocal, Afterwards::kNothing );
     WaitForQueue();
 }
 
 void MMacroPreferenceFile::SaveRemoteMacroShareFileData( const MMacroFileDataPtr& inData )
 {
-    SaveMacroData( inData );
+    MMacroApplication::Current().SaveAllMacrosIfNecessary();
+    SaveMacroData( nullptr, inData, Change::kReceived, Afterwards::kReload );
     WaitForQueue();
-    XWork::Current().MainQueue()->Async( [] { MMacroApplication::Current().HandleReloadMacros(); } );
 }
 
 bool MMacroPreferenceFile::CopyMacroShareFileToRemote( const std::filesystem::path& inPath )
 {
-    return gPrivateLastSavedData and not XAtomicFile::Write( inPath, gPrivateLastSavedData->Span() );
+    const auto data = LastSaved();
+    bool isCopied = false;
+    if ( data )
+        Queue().Sync( [&] { isCopied = CopyToRemote( data, inPath ); } );
+    if ( isCopied )
+        SetSharingDisabledBecauseOfNewerVersion( false );
+    return isCopied;
+}
+
+void MMacroPreferenceFile::ProcessSharingIncomingChange()
+{
+    XWork::Current().Shared<IncomingChangeQueue>().mQueue->Async( TakeIncomingChange );
+}
+
+bool MMacroPreferenceFile::CanBeTakenOver( const MMacroFileDataPtr& inData, std::string& outReason )
+{
+    return bool( MMacroFileLoading::ParseMacrosFile( inData, outReason ) );
+}
+
+bool MMacroPreferenceFile::RevertToRevision( TextView inDate )
+{
+    const auto data = MRevisions::Read( inDate );
+    if ( not data )
+        return false;
+    std::string reason;
+    if ( not CanBeTakenOver( data, reason ) )
+    {
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Can't read revision %@: %@", inDate, reason );
+        return false;
+    }
+    MMacroApplication::Current().SaveAllMacrosIfNecessary();
+    SaveMacroData( RevisionDates::GetBeforeRevertSaveDate(), data, Change::kLocal, Afterwards::kReload );
+    return true;
+}
+
+std::vector<Text> MMacroPreferenceFile::Revisions()
+{
+    return MRevisions::List();
+}
+
+std::filesystem::path MMacroPreferenceFile::RevisionPath( TextView inDate )
+{
+    return MRevisions::PathOf( inDate );
+}
+
+std::vector<MMacroPreferenceFile::RevertMenuItem> MMacroPreferenceFile::FillRevertMenu()
+{
+    std::vector<RevertMenuItem> items;
+    for ( const Text& date : MRevisions::List() )
+        items.push_back( { RevisionDates::DisplayNameForRevision( date ), date } );
+    return items;
 }
 
 void MMacroPreferenceFile::SetLoadAllMacrosNeedsSave()
@@ -108,19 +235,40 @@ void MMacroPreferenceFile::SetLoadAllMacrosNeedsSave()
     gLoadAllMacrosNeedsSave = true;
 }
 
-bool MMacroPreferenceFile::RevertToRevision( TextView inDate )
-{
-    XFileContent revision = ReadWholeFile(
-        KVPreferences::FilePath( u"Revisions Version 9", Text( inDate ) + u".plist" ), XPlistLimits().mMaxBytes );
-    if ( revision.mError or not ReadPropertyList( revision.mBytes.Span() ).mValue )
-        return false;
-    SaveMacroData( std::make_shared<const MMacroFileData>( std::move( revision.mBytes ) ) );
-    Queue().Async(
-        [] { XWork::Current().MainQueue()->Async( [] { MMacroApplication::Current().HandleReloadMacros(); } ); } );
-    return true;
-}
-
 bool MMacroPreferenceFile::TakeLoadAllMacrosNeedsSave()
 {
     return std::exchange( gLoadAllMacrosNeedsSave, false );
+}
+
+void MMacroPreferenceFile::InitialEngineFinishedRelaunching()
+{
+    LetEngineKnow();
+}
+
+void MMacroPreferenceFile::SetBeginAnew( bool inBeginAnew )
+{
+    gBeginAnew = inBeginAnew;
+}
+
+bool MMacroPreferenceFile::BeginsAnew()
+{
+    return gBeginAnew;
+}
+
+bool MMacroPreferenceFile::IsSharingDisabledBecauseOfNewerVersion()
+{
+    return MMacroFileSaving::IsSharingDisabledBecauseOfNewerVersion();
+}
+
+bool MMacroPreferenceFile::IsSavingLatchedOff()
+{
+    return MMacroFileLoading::IsSavingLatchedOff();
+}
+
+void MMacroPreferenceFile::Reset()
+{
+    gLoadAllMacrosNeedsSave = gBeginAnew = false;
+    MMacroFileSaving::Reset();
+    MMacroFileLoading::Reset();
+    ImportedLibraries::Reset();
 }

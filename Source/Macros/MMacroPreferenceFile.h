@@ -39,6 +39,10 @@ bool CopyMacroShareFileToRemote( const std::filesystem::path& inPath );
 /// The engine has placed an incoming shared file. Works on a queue of its own.
 void ProcessSharingIncomingChange();
 
+/// Can the model be loaded from these bytes? False, with a clause that says why, for what doesn't parse or is no macros
+/// file. Bytes from elsewhere are asked this before they replace anything. Any thread.
+[[nodiscard]] bool CanBeTakenOver( const MMacroFileDataPtr& inData, std::string& outReason );
+
 /// Goes back to a revision if it can be read. False when it can't: nothing was changed then.
 bool RevertToRevision( TextView inDate );
 /// The dates of the revisions that there are, ascending.
@@ -60,6 +64,11 @@ void SetLoadAllMacrosNeedsSave();
 
 /// The engine was launched or found: the notification that was held back goes out.
 void InitialEngineFinishedRelaunching();
+
+/// A macros file that is no macros file ends the start. With this it is set aside, and the start goes on as with no file;
+/// for a start where nobody can be asked.
+void SetBeginAnew( bool inBeginAnew );
+[[nodiscard]] bool BeginsAnew();
 
 /// Sharing stands still because the shared file comes from a newer version. Any thread.
 [[nodiscard]] bool IsSharingDisabledBecauseOfNewerVersion();

@@ -1,0 +1,295 @@
+// The first load, whose steps and their order decide what is written at a start, and what isn't: a load that changed
+// nothing writes nothing. The comments number the steps.
+#include "Defines/KVNotices.h"
+#include "Defines/KVPreferences.h"
+#include "Defines/KVVersion.h"
+#include "Defines/SetAside.h"
+#include "Defines/XFileSemaphoreLock.h"
+#include "Macros/MDefaultLibraries.h"
+#include "Macros/MMacroDomain.h"
+#include "Macros/MMacroFileAlerts.h"
+#include "Macros/MMacroFileLoading.h"
+#include "Macros/MMacroFileSaving.h"
+#include "Macros/MMacroPreferenceFile.h"
+#include "Macros/MRevisions.h"
+#include "Macros/RevisionDates.h"
+#include "Macros/SavedStates.h"
+#include "Macros/SpotlightExport.h"
+#include "Utility/Work/Work.h"
+#include "XCAF/XErrorHandler.h"
+#include "XCAF/XException.h"
+#include "XCAF/XFileWriting.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace
+{
+using namespace MMacroFileAlerts;
+using namespace MMacroFileSaving;
+
+constexpr std::size_t kMostBytes = std::size_t( 2 ) << 30;
+
+// What older programs wrote: their versions said less than the default sets that they had been given.
+std::uint32_t NormalizedVersion( std::uint32_t inPreferencesVersion, std::uint32_t inDefaultsVersion )
+{
+    if ( inPreferencesVersion < 40 )
+        return inDefaultsVersion != 0 ? 35 : 0;
+    if ( inPreferencesVersion == 40 )
+        return inDefaultsVersion < 2 ? 43 : 44;
+    return inPreferencesVersion;
+}
+
+class InitialLoad
+{
+public:
+    InitialLoad() : mDomain( *MMacroDomain::Get() ) {}
+    void Run();
+
+private:
+    [[nodiscard]] bool ReadSharedFile();
+    void ReadLocalFile();
+    void ParseAndLoad();
+    [[nodiscard]] bool MayBeginAnew() const;
+    void KeepUnreadableFile( TextView inReason ) const;
+    void UpgradeVersions();
+    void SaveIfNeeded();
+    void SeeToRevisions() const;
+
+    static void NeedSave() { MMacroPreferenceFile::SetLoadAllMacrosNeedsSave(); }
+
+    MMacroDomain& mDomain;
+    const std::filesystem::path mLocalFile = MMacroPreferenceFile::MacrosFilePath();
+    std::filesystem::path mSource = mLocalFile;
+    MMacroFileDataPtr mData;        // of the file that the model is loaded from; null without one
+    MMacroFileDataPtr mLocalBefore; // the local file, when a shared one takes its place and differs
+    bool mLocalDiffers = false;     // from the shared file that was taken, or isn't there
+    bool mWasGood = false;          // everything was read and understood
+};
+
+void FolderPermissionTest()
+{
+    const auto file = KVPreferences::FilePath( u"Korvalen Test Write" );
+    if ( const auto error = XAtomicFile::Write( file, {} ) )
+        WriteFailed( *error, KVPreferences::FolderPath() );
+    (void)XFileCalls::Current().Unlink( file );
+}
+
+// A file whose bytes nobody can get at is kept itself, under another name beside it.
+std::optional<XFileError> MoveAway( const std::filesystem::path& inFile )
+{
+    constexpr int kMostNames = 100;
+    for ( int number = 1;; ++number )
+    {
+        auto name = inFile.stem();
+        name += number == 1 ? " Unreadable" : " Unreadable " + std::to_string( number );
+        name += inFile.extension();
+        if ( XFileCalls::Current().RenameToNew( inFile, inFile.parent_path() / name ) == 0 )
+            return std::nullopt;
+        if ( errno != EEXIST or number == kMostNames )
+            return XFileError{ "rename", inFile, errno, std::strerror( errno ), {} };
+    }
+}
+
+void InitialLoad::Run()
+{
+    HoldEngineBack();                                                   // 1.
+    MRevisions::CopyFromVersion8();                                     // 2.
+    MMacroSharedIncomingFileLock::InitializeSharingLockSemaphoreName(); // 3.
+    NeedSave();                                                         // 4.
+    mDomain.SetLastSaveDate( RevisionDates::BeforeCurrentVersionSaveDate() );
+    if ( not ReadSharedFile() )           // 5.
+        ReadLocalFile();                  // 6.
+    ParseAndLoad();                       // 7.
+    UpgradeVersions();                    // 8. to 11.
+    (void)mDomain.GetDefaultMacroGroup(); // 12.
+    if ( mDomain.SetTimesIfNotSet() )     // 13.
+        NeedSave();
+    SaveIfNeeded();                            // 14.
+    SeeToRevisions();                          // 15. to 17.
+    SpotlightExport::ExportToSpotlightIndex(); // 18.
+}
+
+bool InitialLoad::ReadSharedFile()
+{
+    const XText shared = KVPreferences::Get( KVPreferences::kMacroSharingFileID, XText() );
+    if ( IsEmpty( shared ) )
+        return false;
+    (void)XFileCalls::Current().Unlink( KVPreferences::FilePath( u"Korvalen Macros From Shared.plist" ) );
+    const std::filesystem::path path = shared.GetUTF8();
+    XFileContent content = ReadWholeFile( path, kMostBytes );
+    if ( content.mError )
+    {
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Shared macros file: %@", content.mError->Describe() );
+        if ( content.mError->mCode != ENOENT )
+            Post( kShareFileUnreadable, path, TextFromUTF8( content.mError->mReason ) );
+        return false;
+    }
+    auto data = std::make_shared<const MMacroFileData>( std::move( content.mBytes ) );
+    std::string reason;
+    const auto properties = MMacroFileLoading::ParseMacrosFile( data, reason );
+    // Half a file, or none of ours: the read hasn't worked. Before we write there, it is set aside as never seen.
+    if ( not properties )
+    {
+        Post( kShareFileUnreadable, path, TextFromUTF8( reason ) );
+        return false;
+    }
+    if ( KVVersion::Compare( MMacroDomain::VersionFromPropertyList( properties ), MMacroDomain::GetOurVersion() ) > 0 )
+    {
+        SetSharingDisabledBecauseOfNewerVersion( true );
+        SharedFileIsNewer();
+        return false;
+    }
+    NoteSharedFileRead( data );
+    mData = std::move( data );
+    mSource = path;
+    XFileContent local = ReadWholeFile( mLocalFile, kMostBytes );
+    mLocalDiffers = local.mError or not std::ranges::equal( local.mBytes.Span(), mData->Span() );
+    if ( mLocalDiffers and not local.mError )
+        mLocalBefore = std::make_shared<const MMacroFileData>( std::move( local.mBytes ) );
+    NeedSave();
+    return true;
+}
+
+void InitialLoad::ReadLocalFile()
+{
+    XFileContent content = ReadWholeFile( mLocalFile, kMostBytes );
+    if ( not content.mError )
+    {
+        mData = std::make_shared<const MMacroFileData>( std::move( content.mBytes ) );
+        return;
+    }
+    if ( content.mError->mCode != ENOENT )
+        KeepUnreadableFile( TextFromUTF8( content.mError->mReason ) );
+}
+
+// Its bytes are nowhere else. They may be out of reach; then the file itself moves.
+void InitialLoad::KeepUnreadableFile( TextView inReason ) const
+{
+    RequireBeforeWriting( [file = mLocalFile] {
+        constexpr TextView kReason = u"the macros file can't be read";
+        const auto error = SetAside::KeepFile( SetAside::Kind::kMacrosFile, file, kReason );
+        return error ? MoveAway( file ) : error;
+    } );
+    Post( kMacrosFileUnreadable, mLocalFile, inReason );
+}
+
+bool InitialLoad::MayBeginAnew() const
+{
+    if ( MMacroPreferenceFile::BeginsAnew() )
+        return true;
+    // The first start that ends so says why; the one after it asks.
+    return KVNotices::IsUnanswered( kMacrosFileWrongRoot ) and AskToBeginAnew( mLocalFile );
+}
+
+void InitialLoad::ParseAndLoad()
+{
+    if ( not mData )
+        return;
+    std::string reason;
+    const auto properties = MMacroFileLoading::Parse( mData, reason );
+    if ( not properties )
+    {
+        mData = nullptr;
+        return KeepUnreadableFile( TextFromUTF8( reason ) );
+    }
+    (void)MMacroPreferenceFile::TakeLoadAllMacrosNeedsSave();
+    try
+    {
+        mWasGood = MMacroFileLoading::Load( properties, mData, mSource );
+    }
+    catch ( const XException& exception )
+    {
+        if ( not MayBeginAnew() )
+        {
+            Post( kMacrosFileWrongRoot, mLocalFile, exception.GetMessage() );
+            throw;
+        }
+        KVNotices::Answer( kMacrosFileWrongRoot );
+        mData = nullptr;
+        NeedSave();
+        return KeepUnreadableFile( u"it is a property list, but no macros file" );
+    }
+    KVNotices::Answer( kMacrosFileWrongRoot );
+    if ( mDomain.GetMacroPreferencesVersion() < MMacroDomain::kCurrentMacroPreferencesVersion and
+        XAtomicFile::Write( KVPreferences::FilePath( u"Korvalen Macros Saved Version 8.plist" ), mData->Span() ) )
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Failed to backup old preference file" );
+}
+
+void InitialLoad::UpgradeVersions()
+{
+    constexpr std::uint32_t kCurrent = MMacroDomain::kCurrentMacroPreferencesVersion;
+    // 8.
+    mDomain.SetMacroPreferencesVersion(
+        NormalizedVersion( mDomain.GetMacroPreferencesVersion(), mDomain.GetMacroDefaultsVersion() ) );
+    // 9. and 10.
+    const auto needed = MDefaultLibraries::CheckAdditions( mDomain.GetMacroPreferencesVersion() );
+    if ( not needed.empty() )
+    {
+        MDefaultLibraries::Add( needed, mDomain );
+        NeedSave();
+    }
+    // 11.
+    if ( mDomain.GetMacroPreferencesVersion() < kCurrent )
+    {
+        mDomain.SetMacroDefaultsVersion( kCurrent );
+        mDomain.SetMacroPreferencesVersion( kCurrent );
+        NeedSave();
+    }
+}
+
+void InitialLoad::SaveIfNeeded()
+{
+    if ( MMacroPreferenceFile::TakeLoadAllMacrosNeedsSave() )
+    {
+        // The first save knows of no state before it, so that what was loaded would be in no revision.
+        if ( mData )
+            SavedStates::KeepSoon( mData );
+        if ( mLocalBefore )
+            SetAsideBeforeWriting( SetAside::Kind::kReceived, mLocalBefore, u"a shared file replaces the macros file" );
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Loading made changes, initiating immediate save" );
+        return MMacroPreferenceFile::SaveAllMacros();
+    }
+    // The engine reads the local file, so that the bytes of a shared one have to get there; as received ones, or each
+    // start of each computer would bring all others a change that is none.
+    if ( mLocalDiffers )
+        SaveMacroData( nullptr, mData, Change::kReceived, Afterwards::kNothing );
+    else
+        SetLastSaved( mData );
+    XWork::Current().MainQueue()->Async( FolderPermissionTest );
+}
+
+void InitialLoad::SeeToRevisions() const
+{
+    using enum MRevisions::Keep;
+    // 15. It may be the only good state that there is.
+    MRevisions::DeleteRevision( RevisionDates::GetBeforeRevertSaveDate(), mWasGood ? kNothing : kInSetAside );
+    // 16. As long as nobody knows that a file was lost, so are those that might replace it.
+    MRevisions::Cull( KVNotices::IsUnanswered( kMacrosFileUnreadable ) ? kInSetAside : kNothing );
+    // 17.
+    Queue().Async( [data = LastSaved(), date = mDomain.GetLastSaveDate().GetText()] {
+        MRevisions::PrivateSaveRevision( RevisionDates::BeforeCurrentVersionSaveDate(), data );
+        if ( date != RevisionDates::GetCurrentSaveDate() )
+            MRevisions::PrivateSaveRevision( date, data );
+        MRevisions::PrivateSaveRevision( RevisionDates::GetThisLaunchSaveDate(), data );
+    } );
+}
+
+// Edits that a crash kept from being saved: offered by a notice, never loaded by themselves.
+void AnnounceUnsavedEdits()
+{
+    const auto found = SetAside::List( SetAside::Kind::kRecovery );
+    if ( not found.empty() )
+        Post( kUnsavedEditsFound, found.front().mPath, u"" );
+}
+} // namespace
+
+void MMacroPreferenceFile::InitialLoadAllMacros()
+{
+    XAssert( MMacroDomain::Get() );
+    if ( not MMacroDomain::Get() )
+        return;
+    InitialLoad().Run();
+    AnnounceUnsavedEdits();
+}
