@@ -29,7 +29,7 @@ void PrintDifference( const XPlistDifference& inDifference, const PathNamer& inN
         break;
     }
 }
-__SafeCFPropertyList FactsOfDifferences( const XPlistDifferences& inDifferences, const PathNamer& inNamer )
+__SafeCFPropertyList FactsOf( const XPlistDifferences& inDifferences, const PathNamer& inNamer )
 {
     XMutableArray list;
     for ( const XPlistDifference& difference : inDifferences.mDifferences )
@@ -42,8 +42,8 @@ __SafeCFPropertyList FactsOfDifferences( const XPlistDifferences& inDifferences,
             facts.Set( CFSTR( "newPath" ), XPlistString::MakeUTF8( PathText( difference.mPath, XPlistSide::kNew ) ) );
         if ( inNamer )
             facts.Set( CFSTR( "place" ),
-                XPlistString::MakeUTF8( inNamer( difference.mPath,
-                    difference.mKind == Kind::kRemoved ? XPlistSide::kOld : XPlistSide::kNew ) ) );
+                XPlistString::MakeUTF8( inNamer(
+                    difference.mPath, difference.mKind == Kind::kRemoved ? XPlistSide::kOld : XPlistSide::kNew ) ) );
         // A null value sets nothing.
         facts.Set( CFSTR( "old" ), difference.mOld );
         facts.Set( CFSTR( "new" ), difference.mNew );

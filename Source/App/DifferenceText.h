@@ -14,5 +14,5 @@ using PathNamer = std::function<std::string( std::span<const XPlistPathStep> inP
 /// Without JSON a line for each difference: added, removed or changed, the path, the values shortened. As JSON "count" and
 /// "differences", each with its kind, its paths, its place if there is a namer, and both values whole. Complains when there
 /// are more than were kept.
-void ShowDifferences( const XPlistDifferences& inDifferences, bool inAsJSON, Output& ioOutput,
-    const PathNamer& inNamer = nullptr );
+void ShowDifferences(
+    const XPlistDifferences& inDifferences, bool inAsJSON, Output& ioOutput, const PathNamer& inNamer = nullptr );

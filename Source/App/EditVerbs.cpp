@@ -324,7 +324,7 @@ public:
     {
         AddOptions( ioCommand );
         ioCommand.footer( "A group takes its macros with it. “korvalen undo” brings everything back.\n"
-                          "Example: korvalen delete --query 'disabled: used:52w' --kind macro --dry-run" );
+                          "Example: korvalen delete --query 'enabled:no -used:52w' --kind macro --dry-run" );
     }
 
 private:
@@ -567,10 +567,13 @@ void AddEditVerbs( CLI::App& ioProgram, VerbList& ioVerbs )
     CLI::App& newCommand = *ioProgram.add_subcommand( "new", "Add a macro, a group or a smart group" );
     newCommand.require_subcommand( 1 );
     newCommand.footer( "Example: korvalen new macro \"Paste plain\" --group Editing" );
-    ioVerbs.push_back( std::make_unique<NewMacroVerb>( *newCommand.add_subcommand( "macro", "Add a macro" ) ) );
-    ioVerbs.push_back( std::make_unique<NewGroupVerb>( *newCommand.add_subcommand( "group", "Add a group" ) ) );
+    ioVerbs.push_back(
+        std::make_unique<NewMacroVerb>( *newCommand.add_subcommand( "macro", "Add a macro" )->group( "Verbs" ) ) );
+    ioVerbs.push_back(
+        std::make_unique<NewGroupVerb>( *newCommand.add_subcommand( "group", "Add a group" )->group( "Verbs" ) ) );
     ioVerbs.push_back( std::make_unique<NewSmartGroupVerb>(
-        *newCommand.add_subcommand( "smart-group", "Add a smart group, which holds what its searches find" ) ) );
+        *newCommand.add_subcommand( "smart-group", "Add a smart group, which holds what its searches find" )
+             ->group( "Verbs" ) ) );
     const auto command = [&ioProgram]( const char* name, const char* description ) -> CLI::App& {
         return *ioProgram.add_subcommand( name, description );
     };

@@ -142,7 +142,8 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         std::string folder;
         SetUp( program, folder );
         for ( const auto add :
-            { AddCheckVerb, AddMacrosFileVerbs, AddCronVerb, AddSearchVerbs, AddPropertyListVerbs, AddEditVerbs } )
+            { AddCheckVerb, AddMacrosFileVerbs, AddCronVerb, AddSearchVerbs, AddPropertyListVerbs, AddEditVerbs,
+                AddTransferVerbs, AddStatusVerbs, AddRevisionVerbs, AddSetAsideVerbs, AddShareVerb, AddPrefsVerb } )
             add( program, verbs );
         try
         {

@@ -47,8 +47,8 @@ struct Revision
 {
     std::string mWord; ///< what it is called by in arguments
     std::string mTitle;
-    Text mDate;                     ///< empty for a saved state
-    std::string mDigest;            ///< of a saved state
+    Text mDate;          ///< empty for a saved state
+    std::string mDigest; ///< of a saved state
     std::optional<std::uint64_t> mSize;
 
     [[nodiscard]] std::string Words() const { return fmt::format( "the revision “{}”", mWord ); }
@@ -82,7 +82,8 @@ Revision FindState( const std::string& inWord )
     std::string prefix = inWord.substr( kStatePrefix.size() );
     std::transform( prefix.begin(), prefix.end(), prefix.begin(), []( unsigned char c ) { return std::tolower( c ); } );
     std::vector<Revision> found = StateRevisions();
-    std::erase_if( found, [&prefix]( const Revision& revision ) { return not revision.mDigest.starts_with( prefix ); } );
+    std::erase_if(
+        found, [&prefix]( const Revision& revision ) { return not revision.mDigest.starts_with( prefix ); } );
     if ( found.size() == 1 and not prefix.empty() )
         return std::move( found.front() );
     throw FileTrouble( found.empty()
@@ -237,9 +238,10 @@ public:
     explicit RevertVerb( CLI::App& ioCommand ) : EditorVerb( ioCommand )
     {
         AddDateOption( ioCommand, mDate );
-        ioCommand.footer( "All macros become what they were then. “korvalen undo” takes it back, and “before-revert” is\n"
-                          "the state of before.\n"
-                          "Example: korvalen revisions revert 2024-03-01" );
+        ioCommand.footer(
+            "All macros become what they were then. “korvalen undo” takes it back, and “before-revert” is\n"
+            "the state of before.\n"
+            "Example: korvalen revisions revert 2024-03-01" );
     }
 
 private:
@@ -329,8 +331,8 @@ private:
         return newer;
     }
 
-    void Tell( const SavedObject& inObject, bool inReplaces, const std::vector<std::string>& inNewer,
-        Output& ioOutput ) const
+    void Tell(
+        const SavedObject& inObject, bool inReplaces, const std::vector<std::string>& inNewer, Output& ioOutput ) const
     {
         if ( mJSON )
         {
@@ -347,7 +349,8 @@ private:
         ioOutput.Text( mDryRun ? "would restore " : "restored ", mDryRun ? Colour::kYellow : Colour::kGreen );
         ioOutput.Line( inObject.Place() + ( inReplaces ? "  (in place of the present one)" : "" ) );
         for ( const std::string& name : inNewer )
-            ioOutput.Line( fmt::format( "  {} {}: it wasn't in the group then", mDryRun ? "would delete" : "deleted", name ) );
+            ioOutput.Line(
+                fmt::format( "  {} {}: it wasn't in the group then", mDryRun ? "would delete" : "deleted", name ) );
     }
 
     std::string mDate, mName;

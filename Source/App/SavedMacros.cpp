@@ -117,8 +117,8 @@ std::string NamedPath( const __SafeCFPropertyList& inFile, std::span<const XPlis
     if ( inPath.size() < 2 or not inPath[0].mKey.Equals( u"MacroGroups" ) or index( 1 ) >= groups->GetCount() )
         return PathText( inPath, inSide );
     const __SafeCFPropertyList entry = groups->GetValueAt( index( 1 ) );
-    std::string place = UTF8FromText(
-        NameOfEntry( entry, IsGroup( entry ) ? u"kvUntitledMacroGroup" : u"kvUntitledMacroSmartGroup" ) );
+    std::string place =
+        UTF8FromText( NameOfEntry( entry, IsGroup( entry ) ? u"kvUntitledMacroGroup" : u"kvUntitledMacroSmartGroup" ) );
     std::size_t used = 2;
     const auto macros = ArrayAt( entry, CFSTR( "Macros" ) );
     if ( macros and inPath.size() >= 4 and inPath[2].mKey.Equals( u"Macros" ) and index( 3 ) < macros->GetCount() )
@@ -205,7 +205,8 @@ void SavedMacros::Print( bool inAsJSON, Output& ioOutput ) const
             continue;
         }
         const bool isMacro = object.mKind == SavedObject::Kind::kMacro;
-        ioOutput.Text( ( isMacro ? "    " : "" ) + UTF8FromText( object.mName ), isMacro ? Colour::kNone : Colour::kBold );
+        ioOutput.Text(
+            ( isMacro ? "    " : "" ) + UTF8FromText( object.mName ), isMacro ? Colour::kNone : Colour::kBold );
         if ( not isMacro )
             ioOutput.Text( object.mKind == SavedObject::Kind::kSmartGroup
                     ? "  (smart group)"
@@ -231,7 +232,7 @@ SavedMacros ReadPresentMacros()
     const std::filesystem::path path = MMacroPreferenceFile::MacrosFilePath();
     const XFileContent content = ReadWholeFile( path, FileInput::kMostBytes );
     if ( content.mError )
-        throw FileTrouble( fmt::format( "the macros file {} can't be read: {}", QuotedPath( path.native() ),
-            content.mError->Describe() ) );
+        throw FileTrouble( fmt::format(
+            "the macros file {} can't be read: {}", QuotedPath( path.native() ), content.mError->Describe() ) );
     return { content.mBytes.Span(), "the macros file " + QuotedPath( path.native() ) };
 }
