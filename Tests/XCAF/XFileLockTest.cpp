@@ -108,18 +108,14 @@ TEST_F( FileLock, TryingForSomeTimeTellsHowLongItTook )
 
 TEST_F( FileLock, UnlockingLeavesALockThatAnotherHasNow )
 {
-    for ( const double age : { 5.0, 10.0 } ) // of another date, and of the very same
+    for ( const bool isOfTheSameDate : { false, true } )
     {
         const auto a = Lock();
         ASSERT_TRUE( a->tryLock() );
-        a->breakLock();
-        EXPECT_FALSE( fs::exists( mPath ) );
-
-        fs::create_directory( mPath );
-        SetAge( mPath, 10.0 );
-        fs::remove( mPath );
-        ASSERT_TRUE( a->tryLock() );
-        ReplaceLock( age );
+        const auto date = fs::last_write_time( mPath );
+        ReplaceLock( 5 );
+        if ( isOfTheSameDate )
+            fs::last_write_time( mPath, date );
         const ino_t others = Number();
         a->unlock();
         EXPECT_EQ( mWorld.mLog.CountAssertions( "false" ), 1u );
@@ -129,6 +125,16 @@ TEST_F( FileLock, UnlockingLeavesALockThatAnotherHasNow )
         (void)mWorld.mLog.Take();
         fs::remove( mPath );
     }
+}
+
+TEST_F( FileLock, BreakingOurOwnLockForgetsIt )
+{
+    const auto a = Lock();
+    ASSERT_TRUE( a->tryLock() );
+    a->breakLock();
+    EXPECT_EQ( CountFiles(), 0u );
+    EXPECT_TRUE( UTF8FromText( a->description() ).ends_with( "not currently locked by us" ) );
+    EXPECT_TRUE( a->tryLock() );
 }
 
 TEST_F( FileLock, OnlyAnOldLockIsBroken )
