@@ -5,6 +5,7 @@
 #include "Defines/KVIconRegistry.h"
 #include "Macros/MLoadObserver.h"
 #include "Macros/MMacroInsertion.h"
+#include "XCAF/KVNotifications.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
 
@@ -260,5 +261,5 @@ void HActionList::PrivateExecute( bool inTrying ) const
     information.Set( CFSTR( "Actions" ), CopyActionsToPropertyList() );
     if ( inTrying )
         information.SetBoolean( CFSTR( "Trying" ), true );
-    HEngineNotificationPoster::Current().PostToEngine( u"KV_DoExecuteActions", information.Seal() );
+    HEngineNotificationPoster::Current().PostToEngine( KVNotifications::kDoExecuteActions, information.Seal() );
 }

@@ -7,6 +7,9 @@
 #include "XCAF/XException.h"
 #include "XCAF/XNotificationCenter.h"
 
+#include <mutex>
+#include <utility>
+
 namespace
 {
 using KVPreferences::PreferenceID;
@@ -15,6 +18,7 @@ struct Lists
 {
     explicit Lists( XWork& ) {}
 
+    std::mutex mMutex;
     XApplicationList mAlwaysVisible, mApplicationsPalette, mNoClipboard;
     bool mIsObserving = false;
     bool mIsLoaded = false; // one for all three: the engine doesn't tell which it has changed
@@ -44,28 +48,42 @@ void Observe( Lists& ioLists )
         return;
     XNotificationCenter::AddCocoaObserver( &ioLists, KVNotifications::kExcludedApplicationsPaletteChangedByEngine,
         [&ioLists]( const XNotificationCenter::Notification& ) {
-            ioLists.mIsLoaded = false;
+            {
+                const std::scoped_lock lock( ioLists.mMutex );
+                ioLists.mIsLoaded = false;
+            }
             XNotificationCenter::PostApplicationInternalNotification(
                 KVNotifications::kkExcludedApplicationsReloadPreferences, nullptr, nullptr );
         } );
 }
 
-Lists& Loaded()
+/// Under the lock.
+void LoadIfNeeded( Lists& ioLists )
+{
+    Observe( ioLists );
+    if ( std::exchange( ioLists.mIsLoaded, true ) )
+        return;
+    ioLists.mAlwaysVisible = Load( KVPreferences::kExcludedApplicationsID );
+    ioLists.mApplicationsPalette = Load( KVPreferences::kExcludedApplicationsPaletteID );
+    ioLists.mNoClipboard = Load( KVPreferences::kExcludedClipboardHistoryApplicationsID );
+}
+
+XApplicationList Loaded( XApplicationList Lists::*inList )
 {
     Lists& lists = XWork::Current().Shared<Lists>();
-    Observe( lists );
-    if ( not std::exchange( lists.mIsLoaded, true ) )
-    {
-        lists.mAlwaysVisible = Load( KVPreferences::kExcludedApplicationsID );
-        lists.mApplicationsPalette = Load( KVPreferences::kExcludedApplicationsPaletteID );
-        lists.mNoClipboard = Load( KVPreferences::kExcludedClipboardHistoryApplicationsID );
-    }
-    return lists;
+    const std::scoped_lock lock( lists.mMutex );
+    LoadIfNeeded( lists );
+    return lists.*inList;
 }
 
 void Store( XApplicationList Lists::*inList, const PreferenceID& inID, const XApplicationList& inApplications )
 {
-    Loaded().*inList = inApplications;
+    {
+        Lists& lists = XWork::Current().Shared<Lists>();
+        const std::scoped_lock lock( lists.mMutex );
+        LoadIfNeeded( lists );
+        lists.*inList = inApplications;
+    }
     KVPreferences::Set( inID, inApplications.CopyToPropertyList() );
     XNotificationCenter::PostNotification( KVNotifications::kExcludedApplicationsChanged, nullptr, true );
 }
@@ -73,17 +91,17 @@ void Store( XApplicationList Lists::*inList, const PreferenceID& inID, const XAp
 
 XApplicationList KVExcludedApplications::GetAlwaysVisible()
 {
-    return Loaded().mAlwaysVisible;
+    return Loaded( &Lists::mAlwaysVisible );
 }
 
 XApplicationList KVExcludedApplications::GetApplicationsPalette()
 {
-    return Loaded().mApplicationsPalette;
+    return Loaded( &Lists::mApplicationsPalette );
 }
 
 XApplicationList KVExcludedApplications::GetNoClipboard()
 {
-    return Loaded().mNoClipboard;
+    return Loaded( &Lists::mNoClipboard );
 }
 
 void KVExcludedApplications::SetAlwaysVisible( const XApplicationList& inApplications )

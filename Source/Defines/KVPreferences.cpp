@@ -4,6 +4,8 @@
 #include "Defines/KVPreferenceDomain.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Work/Random.h"
+#include "Utility/Work/Work.h"
+#include "XCAF/ErrorAlert.h"
 #include "XCAF/UserFolders.h"
 #include "XCAF/XErrorHandler.h"
 
@@ -101,6 +103,38 @@ bool IsValidUUID( const XText& inUUID )
     } );
 }
 
+/// A write that failed is tried again by itself, after a delay that grows while it goes on failing.
+struct Retries
+{
+    explicit Retries( XWork& inWork ) : mQueue( inWork.MakeSerialQueue( u"com.tessarine.korvalen.Preferences" ) ) {}
+
+    const std::shared_ptr<XQueue> mQueue;
+    std::mutex mMutex;
+    bool mIsPending = false;
+    double mDelay = 0;
+};
+
+void RetryLater()
+{
+    constexpr double kFirstDelay = 1, kLongestDelay = 300;
+    Retries& retries = XWork::Current().Shared<Retries>();
+    const std::scoped_lock lock( retries.mMutex );
+    if ( std::exchange( retries.mIsPending, true ) )
+        return;
+    retries.mDelay = std::clamp( 2 * retries.mDelay, kFirstDelay, kLongestDelay );
+    retries.mQueue->After( retries.mDelay, [&retries] {
+        const bool isDone = WriteUnsaved();
+        {
+            const std::scoped_lock relock( retries.mMutex );
+            retries.mIsPending = false;
+            if ( isDone )
+                retries.mDelay = 0;
+        }
+        if ( not isDone )
+            RetryLater();
+    } );
+}
+
 /// One of the two identities of this computer, and what to say when a damaged one is replaced.
 struct IdentityKind
 {
@@ -131,7 +165,10 @@ XText ReadOrMakeUUID( State& ioState, const IdentityKind& inKind )
         replaced = old;
         return __SafeCFPropertyList::String( uuidString() );
     };
-    const auto value = DomainOf( ioState, inKind.mID ).Change( inKind.mID.Key(), MakeIfNeeded );
+    KVPreferenceDomain& domain = DomainOf( ioState, inKind.mID );
+    const auto value = domain.Change( inKind.mID.Key(), MakeIfNeeded );
+    if ( not domain.WriteUnsaved() )
+        RetryLater();
     const XText uuid = CFContainer<XPlistString>::Share( value.AsString() );
     if ( not replaced.IsEmpty() )
         TellReplacedUUID( inKind, replaced, uuid );
@@ -263,7 +300,10 @@ std::optional<std::set<Text>> GetSet( const PreferenceID& inID )
 
 bool Set( const PreferenceID& inID, const __SafeCFPropertyList& inValue )
 {
-    return DomainOf( *CurrentState(), inID ).Set( inID.Key(), inValue );
+    const bool isWritten = DomainOf( *CurrentState(), inID ).Set( inID.Key(), inValue );
+    if ( not isWritten )
+        RetryLater();
+    return isWritten;
 }
 
 bool Remove( const PreferenceID& inID )
@@ -330,6 +370,13 @@ bool WriteUnsaved()
     for ( KVPreferenceDomain* domain : domains )
         isDone = domain->WriteUnsaved() and isDone;
     return isDone;
+}
+
+void Finish()
+{
+    if ( not WriteUnsaved() )
+        ErrorAlert::ShowText( XAlertStyle::kWarning, nullptr, kvr_localized( u"kvPreferencesNotSavedTitle" ),
+            kvr_localizedFormat( u"kvPreferencesNotSavedFormat", ConfigurationFolder() ) );
 }
 
 std::filesystem::path ConfigurationFolder()

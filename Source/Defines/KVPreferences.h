@@ -91,7 +91,7 @@ ErrorCode Get( const PreferenceID& inID, double* outValue, double inDefault );
 bool Copy( const PreferenceID& inID, __SafeCFPropertyList& outValue );
 
 // Each stores at once. False, after a log line, when the file couldn't be written: then the value holds for this process
-// alone, until a later write takes it along.
+// alone, until a later write takes it along, or one of the tries that follow by themselves.
 bool Remove( const PreferenceID& inID );
 bool Set( const PreferenceID& inID, const XText& inText ); ///< null removes
 bool SetBoolean( const PreferenceID& inID, bool inValue );
@@ -111,6 +111,8 @@ void Start();
 
 /// Tries again what couldn't be written. True when nothing is left.
 bool WriteUnsaved();
+/// At the end: tries a last time, and tells the user if settings are lost. Main thread.
+void Finish();
 
 /// The folder of all data files; made if needed. In the user's data folder, it is named by "PreferenceFolderName",
 /// which is read once; KORVALEN_HOME or UseFolder is the folder itself.

@@ -3,6 +3,8 @@
 #include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVNotices.h"
 #include "Defines/KVPreferenceDomain.h"
+#include "Platform/Platform.h"
+#include "Tests/Fakes/FakeAlerts.h"
 #include "Tests/Fakes/ManualWorld.h"
 #include "Tests/Support/LogCapture.h"
 #include "Tests/Support/ScratchFolder.h"
@@ -403,6 +405,38 @@ TEST( KVPreferenceDomain, TwoProcessesAndTwoThreadsLoseNothing )
     for ( const char* prefix : { "other", "first", "second" } )
         for ( int i = 0; i < kCount; ++i )
             EXPECT_EQ( domain.Get( XKey( prefix + std::to_string( i ) ) ), Integer( i ) ) << prefix << i;
+}
+
+TEST( KVPreferences, AFailedWriteIsTriedAgainLaterAndLaterAndToldAtTheEnd )
+{
+    ManualWorld world;
+    FakeAlerts alerts;
+    Platform platform;
+    platform.SetAlerts( alerts );
+    const Platform::Substitute inUse( platform );
+    FullDisk disk;
+    const XFileCalls::Substitute calls( disk );
+    const OwnSettings settings;
+    EXPECT_FALSE( KVPreferences::Set( kSomeID, u"x" ) );
+    EXPECT_FALSE( KVPreferences::Set( kSomeID, u"y" ) ); // waits with the first
+    std::vector<double> delays;
+    for ( double last = 0; delays.size() < 11; )
+    {
+        ASSERT_TRUE( world.mWork.AdvanceToNextWakeUp() );
+        world.mWork.RunAll();
+        delays.push_back( world.mClock.MonotonicSeconds() - std::exchange( last, world.mClock.MonotonicSeconds() ) );
+    }
+    EXPECT_EQ( delays, ( std::vector<double>{ 1, 2, 4, 8, 16, 32, 64, 128, 256, 300, 300 } ) );
+    KVPreferences::Finish();
+    EXPECT_EQ( alerts.mAlerts.size(), 1u );
+
+    disk.mIsFull = false;
+    world.mWork.Advance( 301 );
+    KVPreferenceDomain others( settings.mFolder / "com.tessarine.korvalen.engine.plist" );
+    EXPECT_EQ( others.Get( kSomeID.Key() ), __SafeCFPropertyList::String( u"y" ) );
+    EXPECT_EQ( world.mWork.CountWakeUps(), 0u );
+    KVPreferences::Finish();
+    EXPECT_EQ( alerts.mAlerts.size(), 1u );
 }
 
 TEST( KVPreferenceDomain, ADamagedFileReadsAsEmptyAndIsCopiedBeforeTheFirstWrite )
