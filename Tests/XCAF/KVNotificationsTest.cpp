@@ -96,8 +96,8 @@ TEST_F( Notifications, WhatMakesSomethingRunGoesToTheEngineAlone )
     } kCases[] = { { u"KV_ExecuteMacro", Audience::kEngineOnly }, { u"KV_DoExecuteActions", Audience::kEngineOnly },
         { u"KV_CancelExecution", Audience::kEngineOnly }, { u"KV_StartRecording", Audience::kEngineOnly },
         { u"KV_QuitEngine", Audience::kEngineOnly }, { u"KV_TesseractRequestDownload", Audience::kEngineOnly },
-        { u"KV_LoadMacroFiles", Audience::kEverybody }, { u"KV_ExcludedApplicationsChanged", Audience::kEverybody },
-        { u"KV_Unheard", Audience::kEverybody } };
+        { u"KV_LoadMacroFiles", Audience::kEverybody }, { u"KV_LoadClipData", Audience::kEverybody },
+        { u"KV_ExcludedApplicationsChanged", Audience::kEverybody }, { u"KV_Unheard", Audience::kEverybody } };
     for ( const auto& [name, audience] : kCases )
     {
         XNotificationCenter::PostNotification( name, nullptr, true );
@@ -109,7 +109,7 @@ TEST_F( Notifications, WhatMakesSomethingHappenHereIsTakenFromTheEngineAlone )
 {
     for ( const TextView name :
         { u"KV_QuitEditor", u"KV_SetMacroEnable", u"KV_SharingIncomingChange", u"KV_RecordedAction",
-            u"KV_MacroStatsUpdated", u"KV_LoadClipData", u"KV_ExecuteMacro", u"KV_CompiledTextResult" } )
+            u"KV_MacroStatsUpdated", u"KV_LargeTextChanged", u"KV_ExecuteMacro", u"KV_CompiledTextResult" } )
     {
         EXPECT_EQ( Heard( name, nullptr, true ), 1 ) << UTF8FromText( name );
         EXPECT_EQ( Heard( name, nullptr, false ), 0 ) << UTF8FromText( name );
