@@ -2,6 +2,7 @@
 // "0000000012 757382400000 1048576 <digest>.state": a number that grows, so that a clock that is set back doesn't
 // change the order; the time in milliseconds; the size; the SHA-256. Its content, numbers little-endian:
 //   "KVSTATE1", count (4), CRC-32 of the digests (4), the SHA-256 of each chunk (32)
+// The chunks are those of the macros file, of which the table of offsets is stored as differences (see StateChunks).
 // A state is there when its file is. So the packs come first, and a state's file goes before its chunks do.
 #include "Macros/SavedStates.h"
 
@@ -188,6 +189,8 @@ public:
 
 private:
     [[nodiscard]] std::optional<XFileError> Open();
+    [[nodiscard]] std::optional<XFileError> StoreState(
+        std::span<const std::uint8_t> inBytes, std::vector<Digest>& outChunks );
     [[nodiscard]] std::optional<XFileError> StoreChunks(
         std::span<const std::uint8_t> inBytes, std::vector<Digest>& outChunks );
     [[nodiscard]] bool RenewTime( const StoredState& inOld, const SavedStates::State& inNew );
@@ -233,7 +236,20 @@ std::optional<XFileError> Store::StoreChunks( std::span<const std::uint8_t> inBy
             return error;
         inBytes = inBytes.subspan( chunk.size() );
     }
-    return mPacks->Flush();
+    return {};
+}
+
+std::optional<XFileError> Store::StoreState( std::span<const std::uint8_t> inBytes, std::vector<Digest>& outChunks )
+{
+    const auto table = StateChunks::FindOffsetTable( inBytes );
+    auto error = StoreChunks( table ? inBytes.first( table->mStart ) : inBytes, outChunks );
+    if ( table and not error )
+    {
+        std::vector<std::uint8_t> tail( inBytes.begin() + std::ptrdiff_t( table->mStart ), inBytes.end() );
+        StateChunks::ToDifferences( std::span( tail ).first( table->Size() ), table->mEntrySize );
+        error = StoreChunks( tail, outChunks );
+    }
+    return error ? error : mPacks->Flush();
 }
 
 bool Store::RenewTime( const StoredState& inOld, const SavedStates::State& inNew )
@@ -265,7 +281,7 @@ std::optional<XFileError> Store::Keep( const MMacroFileData& inData, When inWhen
         return SyncFolder();
 
     std::vector<Digest> chunks;
-    if ( auto error = StoreChunks( inData.Span(), chunks ) )
+    if ( auto error = StoreState( inData.Span(), chunks ) )
         return error;
     const auto bytes = ChunkListBytes( chunks );
     StoredState stored{ state, NextNumber(), NameFor( NextNumber(), state ), bytes.size() };
@@ -341,8 +357,7 @@ std::optional<XFileError> Store::Cull()
     };
     for ( std::size_t i = 0; i < kMostOldAtOnce and IsLastOld(); ++i )
         cullLast();
-    while (
-        mStates.size() > SavedStates::kNewestAlways and mPacks->LiveBytes() + StateBytes() > gMostBytes )
+    while ( mStates.size() > SavedStates::kNewestAlways and mPacks->LiveBytes() + StateBytes() > gMostBytes )
         cullLast();
     if ( not culled.empty() )
     {
@@ -430,6 +445,9 @@ std::optional<std::string> ReadState( const StoredState& inState, MMacroFileData
     XBytes bytes( std::size_t( inState.mState.mSize ) );
     if ( auto fault = packs.Read( outList.mChunks, bytes ) )
         return fault;
+    // The trailer, which tells of the table, is stored as it stands.
+    if ( const auto table = StateChunks::FindOffsetTable( bytes.Span() ) )
+        StateChunks::FromDifferences( { bytes.data() + table->mStart, table->Size() }, table->mEntrySize );
     auto data = std::make_shared<const MMacroFileData>( std::move( bytes ) );
     if ( data->Digest() != inState.mState.mDigest )
         return "its digest is another";

@@ -26,6 +26,22 @@ constexpr auto kGear = [] {
 
 // The high bits know of the last 64 bytes, the low ones only of a few.
 constexpr int kCutShift = 64 - 15;
+
+constexpr std::size_t kTrailerSize = 32;
+
+std::uint64_t BigEndianAt( const std::uint8_t* inBytes, std::size_t inSize )
+{
+    std::uint64_t value = 0;
+    for ( std::size_t i = 0; i < inSize; ++i )
+        value = value << 8 | inBytes[i];
+    return value;
+}
+
+void StoreBigEndian( std::uint8_t* outBytes, std::size_t inSize, std::uint64_t inValue )
+{
+    for ( std::size_t i = inSize; i-- > 0; inValue >>= 8 )
+        outBytes[i] = std::uint8_t( inValue );
+}
 } // namespace
 
 StateChunks::Digest StateChunks::DigestOf( std::span<const std::uint8_t> inBytes )
@@ -50,6 +66,41 @@ std::size_t StateChunks::FirstLength( std::span<const std::uint8_t> inBytes )
             return i + 1;
     }
     return end;
+}
+
+std::optional<StateChunks::OffsetTable> StateChunks::FindOffsetTable( std::span<const std::uint8_t> inBytes )
+{
+    if ( inBytes.size() < kTrailerSize )
+        return {};
+    const std::size_t end = inBytes.size() - kTrailerSize;
+    const std::uint8_t* const trailer = inBytes.data() + end;
+    const std::uint64_t count = BigEndianAt( trailer + 8, 8 ), start = BigEndianAt( trailer + 24, 8 );
+    const std::size_t entrySize = trailer[6];
+    if ( entrySize < 1 or entrySize > 8 or start > end or count != ( end - start ) / entrySize or
+        count * entrySize != end - start )
+        return {};
+    return OffsetTable{ std::size_t( start ), std::size_t( count ), entrySize };
+}
+
+void StateChunks::ToDifferences( std::span<std::uint8_t> ioTable, std::size_t inEntrySize )
+{
+    std::uint64_t previous = 0;
+    for ( std::size_t at = 0; at < ioTable.size(); at += inEntrySize )
+    {
+        const std::uint64_t value = BigEndianAt( &ioTable[at], inEntrySize );
+        StoreBigEndian( &ioTable[at], inEntrySize, value - previous );
+        previous = value;
+    }
+}
+
+void StateChunks::FromDifferences( std::span<std::uint8_t> ioTable, std::size_t inEntrySize )
+{
+    std::uint64_t value = 0;
+    for ( std::size_t at = 0; at < ioTable.size(); at += inEntrySize )
+    {
+        value += BigEndianAt( &ioTable[at], inEntrySize );
+        StoreBigEndian( &ioTable[at], inEntrySize, value );
+    }
 }
 
 StateChunks::Packer::Packer() : mStream( std::make_unique<z_stream>() )

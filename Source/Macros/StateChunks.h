@@ -7,6 +7,8 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,6 +34,18 @@ struct DigestHash
 inline constexpr std::size_t kShortest = 8 << 10, kLongest = 128 << 10; // about 40 KiB on average
 /// The length of the first chunk; 0 for no bytes.
 [[nodiscard]] std::size_t FirstLength( std::span<const std::uint8_t> inBytes );
+
+/// Where a binary property list has its table of offsets, of which each entry behind a change differs. As differences
+/// the entries stay the same, so states can share them. Absent for bytes that end otherwise.
+struct OffsetTable
+{
+    std::size_t mStart = 0, mCount = 0, mEntrySize = 0;
+    [[nodiscard]] std::size_t Size() const { return mCount * mEntrySize; }
+};
+[[nodiscard]] std::optional<OffsetTable> FindOffsetTable( std::span<const std::uint8_t> inBytes );
+/// Each entry becomes its difference from the one before; and back. The bytes are the table.
+void ToDifferences( std::span<std::uint8_t> ioTable, std::size_t inEntrySize );
+void FromDifferences( std::span<std::uint8_t> ioTable, std::size_t inEntrySize );
 
 /// Compresses one chunk after another.
 class Packer

@@ -136,6 +136,40 @@ TEST_F( SavedStatesTest, AStateSharesWhatDidNotChange )
     EXPECT_LT( BytesOnDisk() - before, 6 * StateChunks::kLongest );
 }
 
+TEST_F( SavedStatesTest, APropertyListSharesItsTableOfOffsetsToo )
+{
+    std::string previous;
+    std::uint64_t before = 0;
+    for ( const char16_t* const first : { u"a name", u"a longer name" } )
+    {
+        XMutableArray texts;
+        texts.Append( __SafeCFPropertyList::String( first ) );
+        for ( int i = 0; i < 200000; ++i )
+            texts.Append( __SafeCFPropertyList::Integer( i ) );
+        const std::string bytes( WriteBinaryPropertyList( texts.Seal() ).View() );
+        before = previous.empty() ? 0 : BytesOnDisk();
+        EXPECT_TRUE( Loaded( Keep( bytes ) ) == bytes );
+        previous = bytes;
+    }
+    EXPECT_LT( BytesOnDisk() - before, 4 * StateChunks::kLongest );
+}
+
+TEST_F( SavedStatesTest, WhatLooksLikeATableOfOffsetsComesBackWhateverItHolds )
+{
+    for ( const int entrySize : { 1, 2, 3, 4, 8 } )
+    {
+        std::string bytes = RandomBytes( mRandom, 20 + std::size_t( entrySize ) * 5000 + 32 );
+        const std::size_t trailer = bytes.size() - 32;
+        bytes.replace( trailer, 32, std::string( 32, 0 ) );
+        bytes[trailer + 6] = char( entrySize );
+        bytes[trailer + 14] = char( 5000 >> 8 );
+        bytes[trailer + 15] = char( 5000 & 255 );
+        bytes[trailer + 31] = 20;
+        ASSERT_TRUE( StateChunks::FindOffsetTable( Data( bytes )->Span() ) );
+        EXPECT_TRUE( Loaded( Keep( bytes ) ) == bytes ) << entrySize;
+    }
+}
+
 TEST_F( SavedStatesTest, ChunksAreAboutFortyKiBAndWithinTheirBounds )
 {
     const auto data = Data( RandomBytes( mRandom, 8 << 20 ) );
