@@ -129,7 +129,7 @@ void InstallLoaded( const Loading& inLoading )
         return;
     const auto& [undo, redo] = *inLoading.mStacks;
     // Edits may have come meanwhile. What can be redone is only valid without one.
-    if ( gState.gUndoStack.empty() and not gState.gNeedSaveAll )
+    if ( not gState.gNeedSaveAll and MMacroPreferenceFile::SavedData() == inLoading.mPresent )
         gState.gRedoStack = redo;
     gState.gUndoStack.insert( gState.gUndoStack.begin(), undo.begin(), undo.end() );
     LimitStack( gState.gUndoStack );

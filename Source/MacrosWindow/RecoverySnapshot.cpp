@@ -111,16 +111,31 @@ void TakeSnapshot()
 }
 
 /// The groups of a macros file: what a save changes without an edit is left out.
-__SafeCFPropertyList GroupsIn( const std::filesystem::path& inPath )
+__SafeCFPropertyList GroupsIn( const XFileContent& inFile )
 {
-    const XFileContent file = ReadWholeFile( inPath, kMostFileBytes );
     __SafeCFPropertyList groups;
-    if ( file.mError )
+    if ( inFile.mError )
         return groups;
-    const auto properties = ReadPropertyList( file.mBytes.Span() );
+    const auto properties = ReadPropertyList( inFile.mBytes.Span() );
     if ( const XPlistDictionary* const dictionary = properties.mValue.AsDictionary() )
         (void)dictionary->Get( CFSTR( "MacroGroups" ), groups );
     return groups;
+}
+
+/// A copy that was found stays until somebody takes it out, which a recovery snapshot doesn't: it becomes one of
+/// edits that weren't saved. Where it lies now.
+std::filesystem::path KeepForGood( const SetAside::Entry& inEntry, const XFileContent& inFile )
+{
+    if ( inFile.mError or
+        SetAside::Keep( SetAside::Kind::kUnsaved, inFile.mBytes.Span(), u"edits that weren't saved before the end" ) )
+        return inEntry.mPath;
+    const auto kept = SetAside::List( SetAside::Kind::kUnsaved );
+    const auto same = std::find_if(
+        kept.begin(), kept.end(), [&]( const SetAside::Entry& other ) { return other.mDigest == inEntry.mDigest; } );
+    if ( same == kept.end() )
+        return inEntry.mPath;
+    SetAside::Remove( inEntry );
+    return same->mPath;
 }
 } // namespace
 
@@ -155,18 +170,19 @@ void RecoverySnapshot::FoundAtStart()
     const auto entries = SetAside::List( SetAside::Kind::kRecovery );
     if ( entries.empty() )
         return;
-    const auto saved = GroupsIn( MMacroPreferenceFile::MacrosFilePath() );
+    const auto saved = GroupsIn( ReadWholeFile( MMacroPreferenceFile::MacrosFilePath(), kMostFileBytes ) );
     for ( const SetAside::Entry& entry : entries )
     {
-        // The process ended after the save and before the removal.
-        const auto groups = GroupsIn( entry.mPath );
+        const XFileContent file = ReadWholeFile( entry.mPath, kMostFileBytes );
+        const auto groups = GroupsIn( file );
         if ( groups and groups == saved )
         {
-            SetAside::Remove( entry );
+            SetAside::Remove( entry ); // the process ended after the save and before the removal
             continue;
         }
+        const auto path = KeepForGood( entry, file );
         KVNotices::Post( { kNotice, kvr_localized( u"kvNoticeRecoveryTitle" ),
-            kvr_localizedFormat( u"kvNoticeRecoveryText", entry.mPath.filename() ), entry.mPath } );
+            kvr_localizedFormat( u"kvNoticeRecoveryText", path.filename() ), path } );
     }
 }
 

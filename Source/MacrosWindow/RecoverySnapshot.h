@@ -21,7 +21,8 @@ void NoteEdit();
 /// Everything was handed to the writer: the copy goes when the macros file has these bytes.
 void NoteSave();
 
-/// At start, after the load: a copy whose edits aren't in the macros file becomes a notice.
+/// At start, after the load: a copy whose edits aren't in the macros file is kept as edits that weren't saved, and
+/// becomes a notice.
 void FoundAtStart();
 
 /// Forgets everything but what is on disk; for the end of the application and for tests.

@@ -116,6 +116,7 @@ TEST_F( RecoverySnapshotTest, ACopyThatIsFoundIsToldAndOnlyTold )
     RecoverySnapshot::FoundAtStart();
     EXPECT_EQ( Model(), "start" );
     EXPECT_TRUE( KVNotices::IsUnanswered( u"RecoverySnapshot" ) );
+    EXPECT_TRUE( std::filesystem::exists( KVNotices::Unanswered().front().mPath ) );
     // Edits and saves of this run leave it alone.
     for ( int i = 0; i < 10; ++i )
     {
@@ -123,7 +124,8 @@ TEST_F( RecoverySnapshotTest, ACopyThatIsFoundIsToldAndOnlyTold )
         Advance( 0.5 );
     }
     Advance( 1 );
-    EXPECT_EQ( Copies(), std::vector<std::string>{ "edited" } );
+    EXPECT_EQ( SetAsideNames( SetAside::Kind::kUnsaved ), std::vector<std::string>{ "edited" } );
+    EXPECT_TRUE( Copies().empty() );
 }
 
 TEST_F( RecoverySnapshotTest, ACopyWhoseEditsWereSavedIsNotTold )
