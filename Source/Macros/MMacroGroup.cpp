@@ -46,9 +46,10 @@ MMacroGroup::MMacroGroup( const __SafeCFPropertyList& inValue, const KVMacroEnab
     MMacroGroup::LoadFromPropertyList( inValue, inOverrides );
 }
 
+// What Reset would do besides is of no use to anybody any more, and a fresh UID can fail for want of memory.
 MMacroGroup::~MMacroGroup()
 {
-    Reset();
+    DeleteAllMacros();
 }
 
 Text MMacroGroup::GetName() const
