@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-class FakeTrash final : public XDesktopFileFacts
+class FakeTrash : public XDesktopFileFacts
 {
 public:
     bool TrashFile( const std::filesystem::path& inFile ) override
