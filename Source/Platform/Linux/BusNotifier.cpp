@@ -70,6 +70,7 @@ void BusNotifier::Stop()
         const char* name = "";
         if ( owner )
             g_variant_get( owner.get(), "(&s)", &name );
+        mUnsent = 0; // with its answer the bus has everything that was sent before
         EngineIs( name );
     }
     mConnection.RemoveClient( *this );
@@ -124,12 +125,18 @@ void BusNotifier::EngineIs( const std::string& inUniqueName )
             Audience::kEngineOnly } );
 }
 
+// GLib keeps what the bus doesn't take; a bus that has stopped reading mustn't fill our memory.
+bool BusNotifier::CanSend() const
+{
+    return mLink and mKnowsEngine and mUnsent < kMaxWaiting;
+}
+
 void BusNotifier::SendWaiting()
 {
-    if ( mDropped > 0 )
+    if ( mDropped > 0 and CanSend() )
         XErrorHandler::PrivateMaybeLogFormat(
-            "always", "While the session bus was away, %lu notifications were dropped", std::exchange( mDropped, 0 ) );
-    while ( mLink and mKnowsEngine and not mWaiting.empty() )
+            "always", "While the session bus took none, %lu notifications were dropped", std::exchange( mDropped, 0 ) );
+    while ( CanSend() and not mWaiting.empty() )
     {
         const Posting posting = std::move( mWaiting.front() );
         mWaiting.pop_front();
@@ -160,14 +167,14 @@ void BusNotifier::Post( TextView inName, const CFContainer<XPlistDictionary>& in
         mHasLoadToTell = true;
         mToldOfLoad.clear();
     }
-    if ( mLink and mKnowsEngine )
+    if ( CanSend() and mWaiting.empty() )
         Send( posting );
     else if ( not mConnection.HasAddress() ) // alone, which was said at the start
         XErrorHandler::PrivateMaybeLogFormat( "bus", "Notification %s has nobody to hear it", posting.mName );
     else if ( mWaiting.size() < kMaxWaiting )
         mWaiting.push_back( std::move( posting ) );
     else if ( ++mDropped == 1 )
-        Drop( posting, "the session bus is away, and 1000 wait for it already" );
+        Drop( posting, "the session bus takes none, and 1000 wait for it already" );
 }
 
 void BusNotifier::Drop( const Posting& inPosting, const char* inWhy )
@@ -191,12 +198,6 @@ void BusNotifier::Send( const Posting& inPosting )
 
 bool BusNotifier::Emit( const Posting& inPosting, const char* inDestination )
 {
-    // GLib keeps what the bus doesn't take; a bus that has stopped reading mustn't fill our memory.
-    if ( mUnsent >= kMaxWaiting )
-    {
-        Drop( inPosting, "the session bus doesn't take any" );
-        return false;
-    }
     GErrorHolder error;
     if ( not g_dbus_connection_emit_signal( mLink->mBus.get(), inDestination, mPath.c_str(),
              BusNames::kNotificationInterface, inPosting.mName.c_str(),
@@ -222,8 +223,11 @@ void BusNotifier::CountUnsent()
         const std::unique_ptr<Mark> mark( static_cast<Mark*>( inMark ) );
         GErrorHolder error;
         (void)g_dbus_connection_flush_finish( G_DBUS_CONNECTION( inBus ), inResult, error.Out() );
-        if ( BusNotifier* const notifier = mark->mLink->mNotifier )
-            notifier->mUnsent -= std::min( notifier->mUnsent, mark->mCount );
+        BusNotifier* const notifier = mark->mLink->mNotifier;
+        if ( not notifier )
+            return;
+        notifier->mUnsent -= std::min( notifier->mUnsent, mark->mCount );
+        notifier->SendWaiting();
     };
     g_dbus_connection_flush( mLink->mBus.get(), nullptr, written, new Mark{ mLink, std::size_t( kMaxWaiting / 10 ) } );
 }

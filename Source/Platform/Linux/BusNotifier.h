@@ -2,7 +2,7 @@
 // names the data folder, the one argument is the payload. What only the engine may hear is addressed to whoever owns
 // the engine's name at that moment. Private to this folder. Main thread.
 //
-// While the bus is away, and until it is known who the engine is, posts wait; "KV_LoadMacroFiles" besides is told again to
+// While the bus is away or reads nothing, and until it is known who the engine is, posts wait; "KV_LoadMacroFiles" besides is told again to
 // each engine that comes, for one that was just ending when it was posted has not heard it.
 #pragma once
 
@@ -44,6 +44,7 @@ private:
     void BusCame( GDBusConnection& inBus ) override;
     void BusWent() override;
     void EngineIs( const std::string& inUniqueName );
+    [[nodiscard]] bool CanSend() const;
     void SendWaiting();
     void Send( const Posting& inPosting );
     bool Emit( const Posting& inPosting, const char* inDestination );

@@ -24,7 +24,7 @@ struct Editor
     std::function<XEditorService::Reply( const XEditorService::Request& )> mHandler;
 };
 
-// This program once more, as one that asks: see BusTestsMain.cpp.
+// This program once more, as one that asks: see LinuxTestsMain.cpp.
 class Asker
 {
 public:
