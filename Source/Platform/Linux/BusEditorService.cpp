@@ -10,7 +10,6 @@
 namespace
 {
 constexpr const char* kMethod = "Run";
-constexpr const char* kRequestType = "(aayayaybb)";
 constexpr const char* kReplyType = "(iayay)";
 // The request wasn't run, and never will be: whoever asked may do it himself.
 constexpr const char* kNotRunError = "com.tessarine.korvalen.Error.NotRun";
