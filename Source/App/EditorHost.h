@@ -16,12 +16,13 @@ public:
     EditorHost( const EditorHost& ) = delete;
     EditorHost& operator=( const EditorHost& ) = delete;
 
-    /// Makes the platform's services for this folder the current ones, until StopPlatform.
-    virtual void StartPlatform( const std::filesystem::path& /*inFolder*/ ) {}
+    /// Makes the platform's services for this folder the current ones, until StopPlatform. A folder that was given, unlike
+    /// the user's own, is told to programs that are launched.
+    virtual void StartPlatform( const std::filesystem::path& /*inFolder*/, bool /*inIsGiven*/ ) {}
     /// Sends what was posted, and lets go of the services.
     virtual void StopPlatform() {}
 
-    /// Runs blocks of the main queue until StopMainLoop; inDidEnd is called when the system asks the process to end.
+    /// Runs blocks of the main queue until StopMainLoop; inDidAskToEnd is called when the system asks the process to end.
     virtual void RunMainLoop( std::function<void()> inDidAskToEnd );
     virtual void StopMainLoop();
 

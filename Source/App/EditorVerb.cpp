@@ -1,43 +1,30 @@
-#include "Actions/ActionLimits.h"
-#include "App/MacrosFile.h"
+#include "App/EditorService.h"
+#include "App/EditorSession.h"
 #include "App/Verb.h"
-#include "Macros/MMacroDomain.h"
-#include "Macros/MMacroPreferenceFile.h"
-#include "MacrosWindow/MacrosWindowUndo.h"
+#include "Defines/KVPreferences.h"
 
-#include <cerrno>
-
-namespace
-{
-void LoadMacros()
-{
-    const std::filesystem::path path = MMacroPreferenceFile::MacrosFilePath();
-    XFileContent content = ReadWholeFile( path, FileInput::kMostBytes );
-    if ( content.mError and content.mError->mCode != ENOENT )
-        throw FileTrouble( content.mError->Describe() );
-    if ( not content.mError )
-    {
-        const XPlistReadResult properties = ReadPropertyList( content.mBytes.Span(), kActionsPlistLimits );
-        if ( not properties.mValue )
-            throw FileTrouble( QuotedPath( path.native() ) + " can't be understood as a property list" );
-        MMacroDomain::Get()->LoadFromPropertyList( properties.mValue );
-        MMacroPreferenceFile::UndoRedoMacroData( std::make_shared<MMacroFileData>( std::move( content.mBytes ) ) );
-    }
-    else
-        MMacroPreferenceFile::SaveAllMacros();
-    (void)MMacroDomain::Get()->GetDefaultMacroGroup();
-}
-} // namespace
+#include <algorithm>
+#include <fmt/format.h>
 
 ExitStatus EditorVerb::Run( VerbContext& ioContext )
 {
     if ( ioContext.mIsInEditor )
         return RunInEditor( ioContext );
-    MMacroDomain domain;
-    LoadMacros();
-    const ExitStatus status = RunInEditor( ioContext );
-    MacrosWindowUndo::SaveAllMacrosIfNecessary();
-    MMacroPreferenceFile::WaitForQueue();
-    MacrosWindowUndo::Reset();
-    return status;
+    try
+    {
+        EditorSession session( ioContext.mHost );
+        if ( not session.TakeFolder() )
+            return AskTheEditor( ioContext, session.Holder() );
+        KVAppDelegate::Options options;
+        options.mIsForOneVerb = true;
+        session.Start( options );
+        const ExitStatus status = RunInEditor( ioContext );
+        session.Stop();
+        return status;
+    }
+    catch ( const EditorTrouble& trouble )
+    {
+        ioContext.mOutput.Complain( trouble.what() );
+        return ExitStatus::kFailed;
+    }
 }

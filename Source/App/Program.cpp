@@ -141,14 +141,15 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         VerbList verbs;
         std::string folder;
         SetUp( program, folder );
-        for ( const auto add :
-            { AddCheckVerb, AddMacrosFileVerbs, AddCronVerb, AddSearchVerbs, AddPropertyListVerbs, AddEditVerbs,
-                AddTransferVerbs, AddStatusVerbs, AddRevisionVerbs, AddSetAsideVerbs, AddShareVerb, AddPrefsVerb } )
+        for ( const auto add : { AddRunVerb, AddCheckVerb, AddMacrosFileVerbs, AddCronVerb, AddSearchVerbs,
+                  AddPropertyListVerbs, AddEditVerbs, AddTransferVerbs, AddStatusVerbs, AddRevisionVerbs,
+                  AddSetAsideVerbs, AddShareVerb, AddPrefsVerb } )
             add( program, verbs );
         try
         {
             // The parser takes the arguments from the back.
-            program.parse( std::vector<std::string>( inArguments.rbegin(), inArguments.rend() ) );
+            program.parse( inArguments.empty() ? std::vector<std::string>{ "run" }
+                                               : std::vector<std::string>( inArguments.rbegin(), inArguments.rend() ) );
         }
         catch ( const CLI::CallForHelp& )
         {

@@ -1,4 +1,5 @@
 #include "App/DescriptorBuffer.h"
+#include "App/LinuxEditorHost.h"
 #include "App/Program.h"
 #include "Defines/KVIconRegistry.h"
 #include "Defines/KVPreferences.h"
@@ -87,7 +88,9 @@ int main( int inCount, char** inArguments )
         { isTerminal, WantsColours( isTerminal, std::getenv( "NO_COLOR" ), std::getenv( "TERM" ) ) } );
     const FileInput input( ReadStandardInput );
 
-    ExitStatus status = RunKorvalen( { inArguments + std::min( inCount, 1 ), inArguments + inCount }, input, output );
+    LinuxEditorHost host;
+    ExitStatus status = RunKorvalen(
+        { inArguments + std::min( inCount, 1 ), inArguments + inCount }, input, output, { &host, false, {} } );
     if ( const int error = outputBuffer.Finish() )
     {
         status = ExitStatus::kFailed;

@@ -412,6 +412,11 @@ std::filesystem::path FilePath( TextView inFolderName, TextView inName )
     return MadeFolder( FilePath( inFolderName ) ) / UTF8FromText( inName );
 }
 
+bool IsFolderGiven()
+{
+    return not CurrentState()->mFolder.empty();
+}
+
 void UseFolder( const std::filesystem::path& inFolder )
 {
     auto state = std::make_shared<State>();

@@ -136,6 +136,8 @@ void RemoveBogusDotDatFiles();
 /// Where the domains' files are. The same folder where KORVALEN_HOME or UseFolder rules.
 [[nodiscard]] std::filesystem::path ConfigurationFolder();
 
+/// Does KORVALEN_HOME or UseFolder name it?
+[[nodiscard]] bool IsFolderGiven();
 /// Takes this one folder for data and configuration and forgets all that was read; an empty path goes back to the
 /// environment. Main thread, while no other thread is in here.
 void UseFolder( const std::filesystem::path& inFolder );

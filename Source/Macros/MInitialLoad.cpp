@@ -11,6 +11,7 @@
 #include "Macros/MMacroFileLoading.h"
 #include "Macros/MMacroFileSaving.h"
 #include "Macros/MMacroPreferenceFile.h"
+#include "Macros/MMacroSharing.h"
 #include "Macros/MRevisions.h"
 #include "Macros/RevisionDates.h"
 #include "Macros/SavedStates.h"

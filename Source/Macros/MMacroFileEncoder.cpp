@@ -73,10 +73,14 @@ const XPlistPiecePtr& PieceOf( MMacroSerializedObject& ioObject )
     return ioObject.GetPiece();
 }
 
-void AddRoot( XPlistPieceFile& ioFile, MMacroDomain& ioDomain )
+enum class Purpose { kSave, kSnapshot };
+
+void AddRoot( XPlistPieceFile& ioFile, MMacroDomain& ioDomain, Purpose inPurpose )
 {
     const CFContainer<XPlistArray> hole = XMutableArray().Seal();
-    ioFile.Add( TheState().mEncoder.Encode( ioDomain.GetPropertyListAround( hole ), hole.GetCFRef() ) );
+    const __SafeCFPropertyList root = inPurpose == Purpose::kSave ? ioDomain.GetPropertyListAround( hole )
+                                                                  : ioDomain.GetSnapshotPropertyListAround( hole );
+    ioFile.Add( TheState().mEncoder.Encode( root, hole.GetCFRef() ) );
 }
 
 // The block is given objects from the place on, each entry before its macros, until it answers false; the place is
@@ -108,12 +112,10 @@ bool GoOn( const MMacroDomain& inDomain, Place& ioPlace, const Block& inBlock )
     }
     return true;
 }
-} // namespace
-
-MMacroFileDataPtr MMacroFileEncoder::EncodeMacroDomain( MMacroDomain& ioDomain )
+MMacroFileDataPtr EncodeFor( MMacroDomain& ioDomain, Purpose inPurpose )
 {
     const auto file = std::make_shared<XPlistPieceFile>( TheState().mEncoder );
-    AddRoot( *file, ioDomain );
+    AddRoot( *file, ioDomain, inPurpose );
     for ( MMacroSmartGroup* const smartGroup : ioDomain.GetSmartGroupsInFileOrder() )
         file->Add( PieceOf( *smartGroup ) );
     for ( MMacroGroup* const group : ioDomain.GetMacroGroupsInFileOrder() )
@@ -125,8 +127,20 @@ MMacroFileDataPtr MMacroFileEncoder::EncodeMacroDomain( MMacroDomain& ioDomain )
     file->EndHole();
     const std::size_t size = file->Measure();
     if ( TheState().mEncoder.GetLeafCount() > 2 * file->GetLeafCount() + kLeavesToSpare )
-        Forget();
+        MMacroFileEncoder::Forget();
     return std::make_shared<const MMacroFileData>( size, [file] { return file->Assemble(); } );
+}
+
+} // namespace
+
+MMacroFileDataPtr MMacroFileEncoder::EncodeMacroDomain( MMacroDomain& ioDomain )
+{
+    return EncodeFor( ioDomain, Purpose::kSave );
+}
+
+MMacroFileDataPtr MMacroFileEncoder::EncodeSnapshot( MMacroDomain& ioDomain )
+{
+    return EncodeFor( ioDomain, Purpose::kSnapshot );
 }
 
 MMacroFileDataPtr MMacroFileEncoder::EncodeMacroDomainAnew( MMacroDomain& ioDomain )
@@ -169,4 +183,9 @@ void MMacroFileEncoder::Forget()
 {
     TheState().mEncoder.StartAnew();
     TheState().mChecked = {};
+}
+
+bool MMacroFileEncoder::HasAnything()
+{
+    return TheState().mEncoder.GetLeafCount() > 0;
 }

@@ -14,6 +14,8 @@ namespace MMacroFileEncoder
 /// Begins a save: the domain gets a new save UUID, as by GetPropertyList. The result doesn't depend on the model any
 /// more. Builds for tests encode everything anew as well, and assert that no change was missed.
 [[nodiscard]] MMacroFileDataPtr EncodeMacroDomain( MMacroDomain& ioDomain );
+/// The same for a copy that isn't a save: the UUID of the last save stays.
+[[nodiscard]] MMacroFileDataPtr EncodeSnapshot( MMacroDomain& ioDomain );
 /// The same without anything that was kept, so that a change which nobody told is saved as well. For the last save,
 /// and for whoever rather waits than trusts.
 [[nodiscard]] MMacroFileDataPtr EncodeMacroDomainAnew( MMacroDomain& ioDomain );
@@ -26,6 +28,8 @@ bool EncodeSome( const MMacroDomain& inDomain, std::size_t inMostObjects );
 /// missed: it is known now, and the caller sees to a save.
 bool CheckSome( const MMacroDomain& inDomain, std::size_t inMostObjects );
 
+/// Is anything kept? Not after a load, until it is encoded.
+[[nodiscard]] bool HasAnything();
 /// Lets go of all encoded forms. The domain does it when its objects go.
 void Forget();
 } // namespace MMacroFileEncoder

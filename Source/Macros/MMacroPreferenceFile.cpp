@@ -9,9 +9,11 @@
 #include "Macros/MMacroApplication.h"
 #include "Macros/MMacroDomain.h"
 #include "Macros/MMacroFileAlerts.h"
+#include "Macros/MMacroFileEncoder.h"
 #include "Macros/MMacroFileLoading.h"
 #include "Macros/MMacroFileSaving.h"
 #include "Macros/MMacroFilesSeen.h"
+#include "Macros/MMacroSharing.h"
 #include "Macros/MRevisions.h"
 #include "Macros/RevisionDates.h"
 #include "Macros/SpotlightExport.h"
@@ -35,7 +37,7 @@ bool gBeginAnew = false;
 /// The domain as the bytes of a macros file.
 MMacroFileDataPtr EncodeDomain()
 {
-    return std::make_shared<const MMacroFileData>( WriteBinaryPropertyList( MMacroDomain::Get()->GetPropertyList() ) );
+    return MMacroFileEncoder::EncodeMacroDomain( *MMacroDomain::Get() );
 }
 
 /// The same with the date that it bears. A midnight in between would leave bytes of the new day under the date of the old
@@ -148,7 +150,11 @@ void MMacroPreferenceFile::SaveAllMacros()
 void MMacroPreferenceFile::FinalSaveAllMacros()
 {
     if ( not IsFailedQuitting() )
+    {
+        // The last word: nothing that was kept is trusted.
+        MMacroFileEncoder::Forget();
         SaveAllMacros();
+    }
     WaitForQueue();
 }
 

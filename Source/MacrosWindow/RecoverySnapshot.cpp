@@ -3,6 +3,7 @@
 #include "Defines/KVNotices.h"
 #include "Defines/SetAside.h"
 #include "Macros/MMacroDomain.h"
+#include "Macros/MMacroFileEncoder.h"
 #include "Macros/MMacroPreferenceFile.h"
 #include "MacrosWindow/MacrosWindowUndo.h"
 #include "Utility/Text/Localization.h"
@@ -141,8 +142,7 @@ std::filesystem::path KeepForGood( const SetAside::Entry& inEntry, const XFileCo
 
 MMacroFileDataPtr RecoverySnapshot::EncodeModel()
 {
-    return std::make_shared<const MMacroFileData>(
-        WriteBinaryPropertyList( MMacroDomain::Get()->GetSnapshotPropertyList() ) );
+    return MMacroFileEncoder::EncodeSnapshot( *MMacroDomain::Get() );
 }
 
 void RecoverySnapshot::NoteEdit()

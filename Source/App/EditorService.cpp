@@ -1,0 +1,47 @@
+#include "App/EditorService.h"
+
+#include "App/Program.h"
+#include "Defines/KVPreferences.h"
+#include "Platform/Platform.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <sstream>
+
+ExitStatus AskTheEditor( VerbContext& ioContext, std::optional<std::int64_t> inHolder )
+{
+    XEditorService::Request request;
+    request.mArguments = ioContext.mArguments;
+    request.mWorkingFolder = ioContext.mWorkingFolder;
+    request.mOutputIsTerminal = ioContext.mOutput.IsTerminal();
+    request.mColours = not ioContext.mOutput.Sequence( Colour::kBold ).empty();
+    if ( std::find( request.mArguments.begin(), request.mArguments.end(), "-" ) != request.mArguments.end() )
+        request.mStandardInput = ioContext.mInput.Read( "-" ).View();
+    const auto reply = Platform::Current().EditorService().Ask( KVPreferences::FolderPath(), request );
+    if ( not reply )
+    {
+        ioContext.mOutput.Complain( fmt::format( "{}has the folder {} and can't be reached: there is no session bus, "
+                                                 "or it is just starting or ending; quit it, "
+                                                 "or try again in a moment",
+            inHolder ? fmt::format( "another editor (process {}) ", *inHolder ) : std::string( "another editor " ),
+            QuotedPath( KVPreferences::FolderPath().string() ) ) );
+        return ExitStatus::kFailed;
+    }
+    ioContext.mOutput.Bytes( reply->mOutput );
+    ioContext.mOutput.ErrorBytes( reply->mErrors );
+    return ExitStatus( std::clamp( reply->mStatus, 0, 2 ) );
+}
+
+XEditorService::Reply RunForOther( const XEditorService::Request& inRequest, EditorHost& ioHost )
+{
+    std::ostringstream output, errors;
+    Output streams( output, errors, { inRequest.mOutputIsTerminal, inRequest.mColours } );
+    const FileInput input( [&inRequest]( std::size_t ) {
+        XFileContent content;
+        content.mBytes = XBytes( inRequest.mStandardInput );
+        return content;
+    } );
+    const ExitStatus status =
+        RunKorvalen( inRequest.mArguments, input, streams, { &ioHost, true, inRequest.mWorkingFolder } );
+    return { int( status ), output.str(), errors.str() };
+}
