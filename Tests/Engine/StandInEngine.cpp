@@ -119,9 +119,12 @@ public:
 private:
     void BusCame( GDBusConnection& inBus ) override
     {
-        const auto heard = +[]( GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* inMember,
-                                GVariant* inParameters,
-                                gpointer inSelf ) { static_cast<Engine*>( inSelf )->Heard( inMember, inParameters ); };
+        const auto heard = +[]( GDBusConnection*, const gchar* inSender, const gchar*, const gchar*,
+                                const gchar* inMember, GVariant* inParameters, gpointer inSelf ) {
+            Engine* const engine = static_cast<Engine*>( inSelf );
+            if ( engine->mBus.UniqueName() != inSender )
+                engine->Heard( inMember, inParameters );
+        };
         g_dbus_connection_signal_subscribe( &inBus, nullptr, BusNames::kNotificationInterface, nullptr, mPath.c_str(),
             nullptr, G_DBUS_SIGNAL_FLAGS_NONE, heard, this, nullptr );
         constexpr guint32 kDoNotQueue = 4;
