@@ -281,7 +281,7 @@ const XText& KeyOf( HActionType inType )
     static const auto gKeys = [] {
         std::array<XText, kHActionTypeCount> keys;
         for ( std::size_t i = 0; i < kHActionTypeCount; ++i )
-            keys[i] = XText( XPlistString::MakeASCII( kActionTypes[i].mKey ) );
+            keys[i] = XText( XPlistString::InternASCII( kActionTypes[i].mKey ) );
         return keys;
     }();
     return gKeys[std::size_t( RowOf( inType ).mType )];

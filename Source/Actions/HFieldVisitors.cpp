@@ -261,12 +261,26 @@ void HSavingVisitor::Actions( HFieldKey inListKey, HFieldKey inDisclosedKey, HAc
     ioActions.GetList().SaveToDictionary( mDictionary, ioActions.mDisclosed, inListKey.Key(), inDisclosedKey.Key() );
 }
 
+namespace
+{
+// Names stand in tables that never go, and are written by the hundred thousand: each is made once, as one of the
+// strings that everything shares.
+const XText& StringOfName( TextView inName )
+{
+    static thread_local std::vector<XText> remembered( 1024 );
+    XText& text = remembered[( reinterpret_cast<std::uintptr_t>( inName.data() ) >> 1 ) % remembered.size()];
+    if ( not text.Equals( inName ) )
+        text = XPlistString::Intern( XPlistString::Make( inName ) );
+    return text;
+}
+} // namespace
+
 void HSavingVisitor::NameIndex(
     HFieldKey inKey, std::size_t& ioIndex, std::span<const TextView> inNames, std::size_t, XWrite inWrite )
 {
     if ( ioIndex < inNames.size() and
         ( inWrite == XWrite::kAlways or ( inWrite == XWrite::kWhenSet and ioIndex != 0 ) ) )
-        mDictionary.SetText( inKey.Key(), inNames[ioIndex] );
+        mDictionary.SetText( inKey.Key(), StringOfName( inNames[ioIndex] ) );
 }
 
 // Comparing

@@ -109,7 +109,7 @@ __SafeCFPropertyList TBaseTrigger::CopyToPropertyList() const
 {
     XMutableDictionary dictionary;
     SaveSubclassToDictionary( dictionary );
-    dictionary.Set( kTypeKey, XPlistString::MakeASCII( kTriggerTypeNames[std::size_t( GetTriggerType() )] ) );
+    dictionary.Set( kTypeKey, XPlistString::InternASCII( kTriggerTypeNames[std::size_t( GetTriggerType() )] ) );
     return dictionary.Seal();
 }
 
