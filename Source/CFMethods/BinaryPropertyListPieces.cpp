@@ -7,6 +7,9 @@
 //
 // The size of the file needs no numbers: each container counts as often as it stands there, each leaf once.
 //
+// Looking a leaf up is waiting for memory, as the table is far larger than the caches. So encoding collects all leaves
+// of a piece first and has memory fetch, step by step, what each look-up will need; then the look-ups find it there.
+//
 // Short leaves are kept encoded, one behind the other in blocks, for most nodes were made only to be encoded, and
 // holding one of them would hold the chunk of memory that it was cut from. Long ones are mostly texts that the model
 // holds as well: their nodes are shared with it.
@@ -18,6 +21,7 @@
 
 #include <array>
 #include <deque>
+#include <optional>
 #include <stdexcept>
 
 using namespace BinaryPropertyList;
@@ -28,6 +32,8 @@ constexpr std::uint32_t kContainerFlag = 0x80000000u;
 constexpr std::uint32_t kDictionaryFlag = 0x40000000u;
 constexpr std::uint32_t kCountMask = kDictionaryFlag - 1;
 constexpr std::uint32_t kHole = ~0u;
+constexpr std::uint32_t kToBeLookedUp = kContainerFlag - 1;
+constexpr std::size_t kNoReference = ~std::size_t( 0 );
 constexpr std::size_t kMostShort = 256; // encoded bytes
 constexpr std::size_t kLeavesInBlock = 4096;
 constexpr std::size_t kArenaBytes = 256 << 10;
@@ -63,8 +69,26 @@ public:
     XPlistLeafTable( const XPlistLeafTable& ) = delete;
     XPlistLeafTable& operator=( const XPlistLeafTable& ) = delete;
 
+    /// A leaf to be looked up.
+    struct Query
+    {
+        const XPlistNode* mLeaf;
+        std::uint64_t mSize; // encoded
+        std::size_t mBytes;  // where it stands encoded among those of the caller, if it is short
+        std::uint32_t mHash;
+    };
+
+    /// The number of a leaf that is never freed, if it is remembered.
+    [[nodiscard]] std::optional<std::uint32_t> KnownNumberOf( const XPlistNode* inLeaf ) const;
+    /// Encodes a short leaf behind the bytes.
+    [[nodiscard]] Query QueryFor( const XPlistNode* inLeaf, std::vector<std::uint8_t>& ioBytes ) const;
+    /// What stands in the leaf's first slot, if it may be the leaf.
+    [[nodiscard]] std::optional<std::uint32_t> LikelyNumberOf( const Query& inQuery ) const;
+    void Prefetch( const Query& inQuery ) const { __builtin_prefetch( &mSlots[SlotFor( inQuery.mHash )] ); }
+    void PrefetchLeaf( std::uint32_t inNumber ) const { __builtin_prefetch( &At( inNumber ) ); }
+    void PrefetchContent( std::uint32_t inNumber ) const { __builtin_prefetch( At( inNumber ).mPlace ); }
     /// The number of the leaf, which is added if it is new.
-    [[nodiscard]] std::uint32_t NumberOf( const XPlistNode* inLeaf );
+    [[nodiscard]] std::uint32_t NumberOf( const Query& inQuery, const std::uint8_t* inBytes );
     [[nodiscard]] std::size_t GetCount() const { return mCount; }
     [[nodiscard]] std::uint64_t GetNumber() const { return mNumber; }
     [[nodiscard]] const Leaf& At( std::uint32_t inNumber ) const
@@ -91,6 +115,12 @@ private:
         std::uint32_t mNumber = 0;
     };
 
+    [[nodiscard]] std::size_t SlotFor( std::uint32_t inHash ) const { return inHash & ( mSlots.size() - 1 ); }
+    [[nodiscard]] static std::size_t PlaceOf( const XPlistNode* inLeaf )
+    {
+        const auto address = reinterpret_cast<std::uintptr_t>( inLeaf ) >> 3;
+        return ( address ^ address >> 13 ) % kKnown;
+    }
     template<class Same, class Make>
     std::uint32_t FindOrAdd( std::uint32_t inHash, const Same& inSame, const Make& inMake );
     const std::uint8_t* Keep( std::span<const std::uint8_t> inBytes );
@@ -103,7 +133,8 @@ private:
     std::size_t mCount = 0;
     std::vector<Slot> mSlots = std::vector<Slot>( 1024 );
     // Keys and other nodes that are never freed come again and again: their addresses answer first.
-    std::vector<Known> mKnown = std::vector<Known>( 8192 );
+    static constexpr std::size_t kKnown = 8192;
+    std::vector<Known> mKnown = std::vector<Known>( kKnown );
     std::vector<std::unique_ptr<std::uint8_t[]>> mArenas;
     std::size_t mArenaLeft = 0;
 };
@@ -138,7 +169,7 @@ void XPlistLeafTable::Grow()
     {
         if ( slot.mNumber == 0 )
             continue;
-        std::size_t at = slot.mHash & ( mSlots.size() - 1 );
+        std::size_t at = SlotFor( slot.mHash );
         while ( mSlots[at].mNumber != 0 )
             at = ( at + 1 ) & ( mSlots.size() - 1 );
         mSlots[at] = slot;
@@ -148,13 +179,13 @@ void XPlistLeafTable::Grow()
 template<class Same, class Make>
 std::uint32_t XPlistLeafTable::FindOrAdd( std::uint32_t inHash, const Same& inSame, const Make& inMake )
 {
-    std::size_t at = inHash & ( mSlots.size() - 1 );
+    std::size_t at = SlotFor( inHash );
     for ( ; mSlots[at].mNumber != 0; at = ( at + 1 ) & ( mSlots.size() - 1 ) )
     {
         if ( mSlots[at].mHash == inHash and inSame( At( mSlots[at].mNumber - 1 ) ) )
             return mSlots[at].mNumber - 1;
     }
-    if ( mCount >= kContainerFlag )
+    if ( mCount >= kToBeLookedUp )
         throw std::length_error( "too many values for a property list" );
     if ( mCount == mBlocks.size() * kLeavesInBlock )
         mBlocks.push_back( std::make_unique<XPlistLeafBlock>() );
@@ -166,42 +197,57 @@ std::uint32_t XPlistLeafTable::FindOrAdd( std::uint32_t inHash, const Same& inSa
     return number;
 }
 
-std::uint32_t XPlistLeafTable::NumberOf( const XPlistNode* inLeaf )
+std::optional<std::uint32_t> XPlistLeafTable::KnownNumberOf( const XPlistNode* inLeaf ) const
 {
-    Known* known = nullptr;
-    if ( XPlistMaker::LivesForever( inLeaf ) )
-    {
-        const auto address = reinterpret_cast<std::uintptr_t>( inLeaf ) >> 3;
-        known = &mKnown[( address ^ address >> 13 ) % mKnown.size()];
-        if ( known->mNode == inLeaf )
-            return known->mNumber;
-    }
-    const std::size_t size = LeafSize( inLeaf );
+    const Known& known = mKnown[PlaceOf( inLeaf )];
+    return known.mNode == inLeaf ? std::optional( known.mNumber ) : std::nullopt;
+}
+
+XPlistLeafTable::Query XPlistLeafTable::QueryFor( const XPlistNode* inLeaf, std::vector<std::uint8_t>& ioBytes ) const
+{
+    const std::size_t size = LeafSize( inLeaf ), place = ioBytes.size();
+    if ( size > kMostShort )
+        return { inLeaf, size, 0, std::uint32_t( HashLeaf( inLeaf ) ) };
+    ioBytes.resize( place + size );
+    StoreLeaf( ioBytes.data() + place, inLeaf );
+    return { inLeaf, size, place, std::uint32_t( HashBytes( { ioBytes.data() + place, size } ) ) };
+}
+
+std::optional<std::uint32_t> XPlistLeafTable::LikelyNumberOf( const Query& inQuery ) const
+{
+    const Slot& slot = mSlots[SlotFor( inQuery.mHash )];
+    return slot.mHash == inQuery.mHash and slot.mNumber > 0 ? std::optional( slot.mNumber - 1 ) : std::nullopt;
+}
+
+std::uint32_t XPlistLeafTable::NumberOf( const Query& inQuery, const std::uint8_t* inBytes )
+{
+    const auto& [node, size, place, hash] = inQuery;
     std::uint32_t number = 0;
     if ( size <= kMostShort )
     {
-        std::uint8_t bytes[kMostShort];
-        StoreLeaf( bytes, inLeaf );
+        const std::span<const std::uint8_t> bytes( inBytes + place, size );
         number = FindOrAdd(
-            std::uint32_t( HashBytes( { bytes, size } ) ),
-            [&]( const Leaf& leaf ) { return leaf.mSize == size and std::memcmp( leaf.mPlace, bytes, size ) == 0; },
+            hash,
+            [&]( const Leaf& leaf ) {
+                return leaf.mSize == bytes.size() and std::memcmp( leaf.mPlace, bytes.data(), bytes.size() ) == 0;
+            },
             [&] {
-                return Leaf{ Keep( { bytes, size } ), size };
+                return Leaf{ Keep( bytes ), bytes.size() };
             } );
     }
     else
         number = FindOrAdd(
-            std::uint32_t( HashLeaf( inLeaf ) ),
-            [&]( const Leaf& leaf ) {
-                return leaf.mSize == size and
-                    ( leaf.Node() == inLeaf or __SafeCFPropertyList( leaf.Node() ) == __SafeCFPropertyList( inLeaf ) );
+            hash,
+            [&, leaf = node, length = size]( const Leaf& other ) {
+                return other.mSize == length and
+                    ( other.Node() == leaf or __SafeCFPropertyList( other.Node() ) == __SafeCFPropertyList( leaf ) );
             },
-            [&] {
-                inLeaf->Retain();
-                return Leaf{ inLeaf, size };
+            [leaf = node, length = size] {
+                leaf->Retain();
+                return Leaf{ leaf, length };
             } );
-    if ( known )
-        *known = { inLeaf, number };
+    if ( XPlistMaker::LivesForever( node ) )
+        mKnown[PlaceOf( node )] = { node, number };
     return number;
 }
 
@@ -220,7 +266,7 @@ std::size_t XPlistPiece::GetMemorySize() const
 struct XPlistPieceEncoder::Frame
 {
     const XPlistContainer* mNode;
-    std::size_t mNext, mSlot;
+    std::size_t mNext, mReference;
 
     [[nodiscard]] const XPlistNode* NextChild()
     {
@@ -228,6 +274,18 @@ struct XPlistPieceEncoder::Frame
             return static_cast<const XPlistArray*>( mNode )->NodeAt( mNext++ );
         return static_cast<const XPlistDictionary*>( mNode )->GetEntries()[mNext++].mValue;
     }
+};
+
+// An object in the order of meeting, and the reference that is to name it.
+struct XPlistPieceEncoder::Meeting
+{
+    std::uint32_t mWord;
+    std::size_t mReference;
+};
+
+struct XPlistPieceEncoder::Query : XPlistLeafTable::Query
+{
+    Query( const XPlistLeafTable::Query& inQuery ) : XPlistLeafTable::Query( inQuery ) {}
 };
 
 XPlistPieceEncoder::XPlistPieceEncoder() : mTable( std::make_shared<XPlistLeafTable>() ) {}
@@ -253,63 +311,55 @@ std::size_t XPlistPieceEncoder::GetLeafCount() const
     return mTable->GetCount();
 }
 
-std::uint32_t XPlistPieceEncoder::LeafIndex( const XPlistNode* inLeaf )
+void XPlistPieceEncoder::Meet( const XPlistNode* inNode, std::size_t inReference )
 {
-    const std::uint32_t leaf = mTable->NumberOf( inLeaf );
-    if ( leaf >= mMet.size() )
-        mMet.resize( std::max<std::size_t>( leaf + 1, mMet.size() * 2 ) );
-    if ( mMet[leaf].mPiece != mPiece )
+    if ( inNode->GetType() >= XPlistType::kArray )
+        BeginContainer( inNode, inReference );
+    else
     {
-        mMet[leaf] = { mPiece, std::uint32_t( mObjects.size() ) };
-        mObjects.push_back( leaf );
+        if ( XPlistMaker::LivesForever( inNode ) )
+        {
+            if ( const auto known = mTable->KnownNumberOf( inNode ) )
+            {
+                mMeetings.push_back( { *known, inReference } );
+                return;
+            }
+        }
+        mMeetings.push_back( { kToBeLookedUp, inReference } );
+        mQueries.push_back( mTable->QueryFor( inNode, mBytes ) );
+        mTable->Prefetch( mQueries.back() );
     }
-    return mMet[leaf].mIndex;
 }
 
-std::uint32_t XPlistPieceEncoder::BeginContainer( const XPlistNode* inNode )
+void XPlistPieceEncoder::BeginContainer( const XPlistNode* inNode, std::size_t inReference )
 {
-    const auto number = std::uint32_t( mObjects.size() );
     if ( inNode == mHole )
     {
-        mObjects.push_back( kHole );
-        return number;
+        mMeetings.push_back( { kHole, inReference } );
+        return;
     }
     const auto* const container = static_cast<const XPlistContainer*>( inNode );
     const std::size_t count = container->GetCount();
     if ( count >= kCountMask )
         throw std::length_error( "too many elements for a property list" );
     const bool isDictionary = inNode->GetType() == XPlistType::kDictionary;
-    const std::size_t block = mReferences.size();
-    mObjects.push_back( kContainerFlag | ( isDictionary ? kDictionaryFlag : 0 ) | std::uint32_t( count ) );
+    std::size_t reference = mReferences.size();
+    mMeetings.push_back(
+        { kContainerFlag | ( isDictionary ? kDictionaryFlag : 0 ) | std::uint32_t( count ), inReference } );
     ++mContainers;
     mHeadBytes += HeadSize( count );
-    mReferences.resize( block + ( isDictionary ? 2 * count : count ) );
-    std::size_t keys = 0;
+    mReferences.resize( reference + ( isDictionary ? 2 * count : count ) );
     if ( isDictionary )
     {
         for ( const auto& entry : static_cast<const XPlistDictionary*>( inNode )->GetEntries() )
-            mReferences[block + keys++] = LeafIndex( entry.mKey );
+            Meet( entry.mKey, reference++ );
     }
-    mStack.push_back( { container, 0, block + keys } );
-    return number;
+    mStack.push_back( { container, 0, reference } );
 }
 
-XPlistPiecePtr XPlistPieceEncoder::Encode( const __SafeCFPropertyList& inValue, const XPlistNode* inHole )
+void XPlistPieceEncoder::MeetAll( const XPlistNode* inRoot )
 {
-    XAssertText( inValue and inValue.GetType() >= XPlistType::kArray, "inValue" );
-    mObjects.clear();
-    mReferences.clear();
-    mStack.clear();
-    mHole = inHole;
-    mContainers = 0;
-    mHeadBytes = 0;
-    if ( ++mPiece == 0 ) // all numbers were used: none that was met before may count
-    {
-        mMet = {};
-        mPiece = 1;
-    }
-
-    BeginContainer( inValue.GetNode() );
+    BeginContainer( inRoot, kNoReference );
     while ( not mStack.empty() )
     {
         Frame& frame = mStack.back();
@@ -319,9 +369,82 @@ XPlistPiecePtr XPlistPieceEncoder::Encode( const __SafeCFPropertyList& inValue, 
             continue;
         }
         const XPlistNode* const child = frame.NextChild();
-        const std::size_t slot = frame.mSlot++;
-        mReferences[slot] = child->GetType() < XPlistType::kArray ? LeafIndex( child ) : BeginContainer( child );
+        Meet( child, frame.mReference++ );
     }
+}
+
+// Step by step, as each place in memory says where the next one is.
+void XPlistPieceEncoder::PrefetchLeaves()
+{
+    for ( const auto& query : mQueries )
+    {
+        if ( const auto number = mTable->LikelyNumberOf( query ) )
+            mTable->PrefetchLeaf( *number );
+    }
+    for ( const auto& query : mQueries )
+    {
+        const auto number = mTable->LikelyNumberOf( query );
+        if ( not number )
+            continue;
+        mTable->PrefetchContent( *number );
+        if ( *number < mMet.size() )
+            __builtin_prefetch( &mMet[*number] );
+    }
+}
+
+std::uint32_t XPlistPieceEncoder::IndexOfLeaf( std::uint32_t inLeaf )
+{
+    if ( inLeaf >= mMet.size() )
+        mMet.resize( std::max<std::size_t>( inLeaf + 1, mMet.size() * 2 ) );
+    Met& met = mMet[inLeaf];
+    if ( met.mPiece != mPiece )
+    {
+        met = { mPiece, std::uint32_t( mObjects.size() ) };
+        mObjects.push_back( inLeaf );
+    }
+    return met.mIndex;
+}
+
+void XPlistPieceEncoder::NumberAll()
+{
+    auto query = mQueries.begin();
+    for ( const auto& [word, reference] : mMeetings )
+    {
+        std::uint32_t index = 0;
+        if ( word == kToBeLookedUp )
+            index = IndexOfLeaf( mTable->NumberOf( *query++, mBytes.data() ) );
+        else if ( not( word & kContainerFlag ) )
+            index = IndexOfLeaf( word );
+        else
+        {
+            index = std::uint32_t( mObjects.size() );
+            mObjects.push_back( word );
+        }
+        if ( reference != kNoReference )
+            mReferences[reference] = index;
+    }
+}
+
+XPlistPiecePtr XPlistPieceEncoder::Encode( const __SafeCFPropertyList& inValue, const XPlistNode* inHole )
+{
+    XAssertText( inValue and inValue.GetType() >= XPlistType::kArray, "inValue" );
+    mObjects.clear();
+    mReferences.clear();
+    mMeetings.clear();
+    mQueries.clear();
+    mBytes.clear();
+    mStack.clear();
+    mHole = inHole;
+    mContainers = 0;
+    mHeadBytes = 0;
+    if ( ++mPiece == 0 ) // all numbers were used: none that was met before may count
+    {
+        mMet = {};
+        mPiece = 1;
+    }
+    MeetAll( inValue.GetNode() );
+    PrefetchLeaves();
+    NumberAll();
 
     auto piece = std::make_shared<XPlistPiece>();
     piece->mObjects = std::uint32_t( mObjects.size() );
@@ -359,7 +482,9 @@ std::size_t XPlistPieceFile::Measure()
     XAssert( mOpen.empty() );
     mBlocks = mTable->GetBlocks();
     mTableLeaves = mTable->GetCount();
-    std::vector<bool> met( mTableLeaves );
+    // One more stands for everything that is no leaf, which saves telling the two apart.
+    std::vector<std::uint8_t> met( mTableLeaves + 1 );
+    met[mTableLeaves] = 1;
     std::uint64_t references = 0;
     for ( const auto& [piece, children] : mItems )
     {
@@ -374,10 +499,10 @@ std::size_t XPlistPieceFile::Measure()
         }
         for ( std::uint32_t i = 0; i < piece->mObjects; ++i )
         {
-            const std::uint32_t word = piece->mWords[i];
-            if ( word & kContainerFlag or met[word] )
+            const std::uint32_t word = std::min( piece->mWords[i], std::uint32_t( mTableLeaves ) );
+            if ( met[word] )
                 continue;
-            met[word] = true;
+            met[word] = 1;
             ++mLeaves;
             mObjectBytes += mTable->At( word ).mSize;
         }

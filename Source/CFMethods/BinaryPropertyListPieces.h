@@ -60,13 +60,22 @@ public:
 private:
     friend class XPlistPieceFile;
     struct Frame;
+    struct Meeting;
+    struct Query;
 
-    std::uint32_t LeafIndex( const XPlistNode* inLeaf );
-    std::uint32_t BeginContainer( const XPlistNode* inNode );
+    void Meet( const XPlistNode* inNode, std::size_t inReference );
+    void BeginContainer( const XPlistNode* inNode, std::size_t inReference );
+    void MeetAll( const XPlistNode* inRoot );
+    void PrefetchLeaves();
+    std::uint32_t IndexOfLeaf( std::uint32_t inLeaf );
+    void NumberAll();
 
     std::shared_ptr<XPlistLeafTable> mTable;
     // Of the piece in the making.
     std::vector<std::uint32_t> mObjects, mReferences;
+    std::vector<Meeting> mMeetings;
+    std::vector<Query> mQueries;
+    std::vector<std::uint8_t> mBytes;
     std::vector<Frame> mStack;
     const XPlistNode* mHole = nullptr;
     std::uint32_t mContainers = 0;
