@@ -62,9 +62,9 @@ std::string Suggestion( const std::string& inKey )
     std::vector<std::string> near;
     for ( const PreferenceRow& row : KVPreferences::AllPreferences() )
     {
-        const Text key = TextFromUTF8( std::string( row.mID.Key().GetName() ) ), asked = TextFromUTF8( inKey );
+        const Text key = TextFromUTF8( std::string( row.mID.Key().Name() ) ), asked = TextFromUTF8( inKey );
         if ( kvr_caseInsensitiveContainsString( key, asked ) or kvr_caseInsensitiveContainsString( asked, key ) )
-            near.push_back( fmt::format( "“{}”", row.mID.Key().GetName() ) );
+            near.push_back( fmt::format( "“{}”", row.mID.Key().Name() ) );
     }
     if ( near.empty() or near.size() > kMost )
         return "“korvalen prefs list --all” shows those that are";
@@ -290,7 +290,7 @@ public:
     {
         for ( const PreferenceRow& row : KVPreferences::AllPreferences() )
         {
-            const std::string key( row.mID.Key().GetName() );
+            const std::string key( row.mID.Key().Name() );
             Tell( { key, row.mID.Domain(), &row }, KVPreferences::GetPropertyList( row.mID ), ioContext.mOutput );
         }
         for ( const auto& [word, domain] : kDomains )
