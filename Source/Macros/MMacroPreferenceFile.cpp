@@ -12,6 +12,7 @@
 #include "Macros/MMacroFileEncoder.h"
 #include "Macros/MMacroFileLoading.h"
 #include "Macros/MMacroFileSaving.h"
+#include "Macros/MMacroSharing.h"
 #include "Macros/MMacroFilesSeen.h"
 #include "Macros/MMacroSharing.h"
 #include "Macros/MRevisions.h"
