@@ -1,0 +1,198 @@
+#include "Defines/SetAside.h"
+#include "Tests/App/EditorRun.h"
+
+#include <gmock/gmock.h>
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace
+{
+void WriteFile( const std::filesystem::path& inPath, std::string_view inBytes )
+{
+    std::filesystem::create_directories( inPath.parent_path() );
+    std::ofstream( inPath, std::ios::binary ).write( inBytes.data(), std::streamsize( inBytes.size() ) );
+}
+
+/// A revision of the first state.
+void WriteRevision( EditorRun& ioEditor, const char* inName )
+{
+    const auto bytes =
+        WriteBinaryPropertyList( With( MacrosOfEditorTests(), { { "MacroPreferencesVersion", Int( 91 ) } } ) );
+    WriteFile( ioEditor.Folder() / "Revisions Version 9" / inName, bytes.View() );
+}
+} // namespace
+
+TEST( StateVerbs, ARevisionIsNamedByDateOrEvent )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    WriteRevision( editor, "2024_03_01.plist" );
+    WriteRevision( editor, "9999_01_01.plist" );
+    EXPECT_THAT( editor.Run( { "revisions", "list" } ).mOutput,
+        AllOf( HasSubstr( "2024-03-01 " ), HasSubstr( "March 1, 2024" ), HasSubstr( "launch " ),
+            HasSubstr( "At This Launch" ) ) );
+    for ( const char* const date : { "2024_03_01", "2024-03-01", "launch", "9999_01_01" } )
+        EXPECT_THAT( editor.Run( { "revisions", "show", date } ).mOutput,
+            StartsWith( "Finds  (smart group)\nGlobal Macro Group  (1 macro)\n    In default\n" ) )
+            << date;
+    for ( const char* const date : { "2024-03-02", "before-sync", "", "../x", "state:", "state:ffff" } )
+    {
+        const KorvalenResult none = editor.Run( { "revisions", "show", date } );
+        EXPECT_EQ( none.mStatus, 1 ) << date;
+        EXPECT_THAT( none.mErrors, HasSubstr( "“korvalen revisions list” shows" ) ) << date;
+    }
+}
+
+TEST( StateVerbs, AComparisonNamesGroupsAndMacros )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    WriteRevision( editor, "9999_01_01.plist" );
+    ASSERT_EQ( editor.Run( { "rename", "Two", "Zwei" } ).mStatus, 0 );
+    ASSERT_EQ( editor.Run( { "delete", "b1" } ).mStatus, 0 );
+    editor.Save();
+    const KorvalenResult compared = editor.Run( { "revisions", "compare", "launch" } );
+    EXPECT_EQ( compared.mStatus, 1 );
+    EXPECT_THAT( compared.mOutput, HasSubstr( "Alpha › Two .Name → Alpha › Zwei .Name: \"Two\" → \"Zwei\"\n" ) );
+    EXPECT_THAT( compared.mOutput, HasSubstr( "removed Beta › Same: " ) );
+}
+
+TEST( StateVerbs, OneMacroComesBackOutOfARevision )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    const __SafeCFPropertyList before = editor.Model();
+    WriteRevision( editor, "9999_01_01.plist" );
+    ASSERT_EQ( editor.Run( { "delete", "Two" } ).mStatus, 0 );
+    editor.Save();
+    const auto files = editor.Files();
+    EXPECT_THAT(
+        editor.Run( { "revisions", "restore", "launch", "two", "-n" } ).mOutput, "would restore Alpha › Two\n" );
+    EXPECT_EQ( editor.Files(), files );
+    EXPECT_THAT( editor.Run( { "revisions", "restore", "launch", "Same" } ).mErrors, HasSubstr( "2 things in" ) );
+    EXPECT_THAT(
+        editor.Run( { "revisions", "restore", "launch", "Nobody" } ).mErrors, HasSubstr( "has nothing called" ) );
+    EXPECT_THAT( editor.Run( { "revisions", "restore", "launch", "two" } ).mOutput, "restored Alpha › Two\n" );
+    ASSERT_TRUE( MMacroSerializedObject::FindMacroByUID( u"a2" ) );
+    editor.Save();
+    EXPECT_THAT( editor.Run( { "undo" } ).mOutput, StartsWith( "Undo Restore Macro: " ) );
+    EXPECT_FALSE( MMacroSerializedObject::FindMacroByUID( u"a2" ) );
+    // The whole group: what came since goes, and is told.
+    ASSERT_EQ( editor.Run( { "new", "macro", "Newer", "--group", "A" } ).mStatus, 0 );
+    EXPECT_THAT( editor.Run( { "revisions", "restore", "launch", "Alpha" } ).mOutput,
+        "restored Alpha  (in place of the present one)\n  deleted Newer: it wasn't in the group then\n" );
+    EXPECT_TRUE( editor.Model().Equals( before ) );
+}
+
+TEST( StateVerbs, WhatWasSetAsideComesBackAsOneUndoStep )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    const auto older = WriteBinaryPropertyList(
+        FileWith( { GroupWith( u"Z", { MacroWith( u"z1" ) } ) }, { { "MacroPreferencesVersion", Int( 91 ) } } ) );
+    SetAside::Entry good, bad;
+    ASSERT_FALSE( SetAside::Keep( SetAside::Kind::kUnsaved, older.Span(), u"a test", &good ) );
+    ASSERT_FALSE(
+        SetAside::Keep( SetAside::Kind::kOther, XBytes( std::string( "rubbish" ) ).Span(), u"a test", &bad ) );
+    const auto files = editor.Files();
+    EXPECT_THAT(
+        editor.Run( { "set-aside", "list" } ).mOutput, AllOf( HasSubstr( good.mDigest ), HasSubstr( bad.mDigest ) ) );
+    EXPECT_THAT( editor.Run( { "set-aside", "show", good.mDigest.substr( 0, 6 ) } ).mOutput,
+        StartsWith( "Group Z  (1 macro)\n" ) );
+    EXPECT_EQ( editor.Run( { "set-aside", "compare", good.mDigest } ).mStatus, 1 );
+    for ( const char* const verb : { "show", "compare", "restore" } )
+        EXPECT_THAT( editor.Run( { "set-aside", verb, bad.mDigest } ).mErrors, HasSubstr( "can't be understood" ) );
+    EXPECT_THAT( editor.Run( { "set-aside", "show", "nothing" } ).mErrors, HasSubstr( "is called “nothing”" ) );
+    EXPECT_EQ( editor.Files(), files );
+
+    const __SafeCFPropertyList before = editor.Model();
+    EXPECT_THAT(
+        editor.Run( { "set-aside", "restore", good.mDigest } ).mOutput, StartsWith( "restored unsaved edits" ) );
+    EXPECT_TRUE( MMacroSerializedObject::FindMacroByUID( u"z1" ) );
+    EXPECT_FALSE( MMacroSerializedObject::FindMacroByUID( u"a1" ) );
+    EXPECT_EQ( editor.Files().at( ( editor.Folder() / "Korvalen Macros.plist" ).native() ), older.View() );
+    EXPECT_THAT( editor.Run( { "undo" } ).mOutput, StartsWith( "Undo Restore: " ) );
+    EXPECT_TRUE( editor.Model().Equals( before ) );
+}
+
+TEST( StateVerbs, StatusAndPathsTellAndChangeNothing )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    const auto files = editor.Files();
+    EXPECT_THAT( editor.Run( { "status" } ).mOutput,
+        AllOf( HasSubstr( "Editor:   running\n" ), HasSubstr( "5 macros in 3 groups, 1 smart group\n" ),
+            HasSubstr( "Saved:    everything\n" ), HasSubstr( "Sharing:  off\n" ) ) );
+    EXPECT_THAT(
+        editor.Run( { "paths" } ).mOutput, HasSubstr( ( editor.Folder() / "Korvalen Macros.plist" ).native() ) );
+    EXPECT_EQ( editor.Files(), files );
+    ASSERT_EQ( editor.Run( { "delete", "One" } ).mStatus, 0 );
+    EXPECT_THAT( editor.Run( { "status" } ).mOutput,
+        AllOf( HasSubstr( "edits wait for their save\n" ), HasSubstr( "Undo:     Undo Delete Macro\n" ) ) );
+    EXPECT_EQ( editor.Run( { "save" } ).mOutput, "saved\n" );
+    EXPECT_EQ( editor.Run( { "save" } ).mOutput, "everything was saved already\n" );
+}
+
+TEST( StateVerbs, WithoutAFolderLookingMakesNone )
+{
+    const ScratchFolder scratch;
+    const std::string folder = ( scratch.Path() / "none" ).native();
+    for ( const std::vector<std::string>& verb : std::vector<std::vector<std::string>>{
+              { "status" }, { "paths" }, { "prefs", "list" }, { "set-aside", "list" } } )
+    {
+        std::vector<std::string> arguments = verb;
+        arguments.insert( arguments.end(), { "--folder", folder } );
+        EXPECT_EQ( RunKorvalenWith( arguments ).mStatus, 0 ) << verb.front();
+        EXPECT_FALSE( std::filesystem::exists( folder ) ) << verb.front();
+    }
+    KVPreferences::UseFolder( {} );
+}
+
+TEST( PrefsVerb, TypesAreCheckedAndUnknownKeysRefused )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    const auto set = [&editor]( std::vector<std::string> rest ) {
+        rest.insert( rest.begin(), { "prefs", "set" } );
+        return editor.Run( rest );
+    };
+    EXPECT_THAT( editor.Run( { "prefs", "get", "MaximumUndoSize" } ).mOutput, "200000000\n" );
+    const struct
+    {
+        const char *mKey, *mValue, *mShown; ///< null when it is refused
+    } kCases[] = { { "MaximumUndoSize", "12", "12\n" }, { "MaximumUndoSize", "12.5", nullptr },
+        { "MaximumUndoSize", "99999999999999999999", nullptr }, { "AutoShowActions", "no", "false\n" },
+        { "AutoShowActions", "maybe", nullptr }, { "PreferenceFolderName", "12", "12\n" },
+        { "ImportedLibraries", "[\"a\"]", "[\n  \"a\"\n]\n" }, { "ImportedLibraries", "a", nullptr },
+        { "autoshowactions", "yes", nullptr }, { "NoSuchSetting", "1", nullptr } };
+    for ( const auto& [key, value, shown] : kCases )
+    {
+        const KorvalenResult result = set( { key, value } );
+        EXPECT_EQ( result.mStatus, shown ? 0 : 1 ) << key << value << result.mErrors;
+        if ( shown )
+            EXPECT_EQ( editor.Run( { "prefs", "get", key } ).mOutput, shown );
+    }
+    EXPECT_EQ( set( { "Own", "x", "--force" } ).mStatus, 1 );
+    EXPECT_EQ( set( { "Own", "x", "--force", "--domain", "engine" } ).mStatus, 0 );
+    EXPECT_THAT( editor.Run( { "prefs", "list" } ).mOutput,
+        AllOf( HasSubstr( "MaximumUndoSize = 12\n" ), HasSubstr( "Own = x  (not known, engine)\n" ) ) );
+    EXPECT_EQ( editor.Run( { "prefs", "remove", "MaximumUndoSize" } ).mStatus, 0 );
+    EXPECT_EQ( editor.Run( { "prefs", "remove", "MaximumUndoSize" } ).mStatus, 1 );
+}
+
+TEST( TransferVerbs, WhatIsExportedIsImportedDisabled )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    const __SafeCFPropertyList before = editor.Model();
+    EXPECT_THAT( editor.Run( { "export", "Beta", "-o", "b.kvmacros" } ).mOutput, StartsWith( "exported 1 macro to " ) );
+    EXPECT_EQ( editor.Run( { "export", "Beta", "-o", "b.txt" } ).mStatus, 2 );
+    EXPECT_EQ( editor.Run( { "export", "-o", "b.kvmacros" } ).mStatus, 2 );
+    EXPECT_THAT( editor.Run( { "import", "b.kvmacros", "--dry-run" } ).mOutput,
+        "would import 1 macro into the present group Beta\n" );
+    EXPECT_TRUE( editor.Model().Equals( before ) );
+    EXPECT_EQ( editor.Run( { "import", "none.kvmacros" } ).mStatus, 1 );
+    ASSERT_EQ( editor.Run( { "import", "b.kvmacros" } ).mStatus, 0 );
+    std::vector<bool> active;
+    MMacroSerializedObject::FindMacroGroupByUID( u"B" )->DoForEveryMacro(
+        [&active]( const MMacro& macro ) { active.push_back( macro.IsActive() ); } );
+    EXPECT_EQ( active, ( std::vector<bool>{ true, false } ) );
+    editor.Save();
+    EXPECT_EQ( editor.Run( { "undo" } ).mStatus, 0 );
+    EXPECT_TRUE( editor.Model().Equals( before ) );
+}
