@@ -166,7 +166,9 @@ TEST( PrefsVerb, TypesAreCheckedAndUnknownKeysRefused )
         const KorvalenResult result = set( { key, value } );
         EXPECT_EQ( result.mStatus, shown ? 0 : 1 ) << key << value << result.mErrors;
         if ( shown )
+        {
             EXPECT_EQ( editor.Run( { "prefs", "get", key } ).mOutput, shown );
+        }
     }
     EXPECT_EQ( set( { "Own", "x", "--force" } ).mStatus, 1 );
     EXPECT_EQ( set( { "Own", "x", "--force", "--domain", "engine" } ).mStatus, 0 );
