@@ -53,7 +53,7 @@ private:
     void ReadLocalFile();
     void ParseAndLoad();
     [[nodiscard]] bool MayBeginAnew() const;
-    void KeepUnreadableFile( TextView inReason ) const;
+    void KeepUnreadableFile( TextView inReason, bool inIsOutOfReach = false ) const;
     void UpgradeVersions();
     void SaveIfNeeded();
     void SeeToRevisions() const;
@@ -88,6 +88,8 @@ std::optional<XFileError> MoveAway( const std::filesystem::path& inFile )
         name += inFile.extension();
         if ( XFileCalls::Current().RenameToNew( inFile, inFile.parent_path() / name ) == 0 )
             return std::nullopt;
+        if ( errno == ENOENT )
+            return std::nullopt; // gone by now
         if ( errno != EEXIST or number == kMostNames )
             return XFileError{ "rename", inFile, errno, std::strerror( errno ), {} };
     }
@@ -162,16 +164,16 @@ void InitialLoad::ReadLocalFile()
         return;
     }
     if ( content.mError->mCode != ENOENT )
-        KeepUnreadableFile( TextFromUTF8( content.mError->mReason ) );
+        KeepUnreadableFile( TextFromUTF8( content.mError->mReason ), true );
 }
 
-// Its bytes are nowhere else. They may be out of reach; then the file itself moves.
-void InitialLoad::KeepUnreadableFile( TextView inReason ) const
+// Its bytes are nowhere else.
+void InitialLoad::KeepUnreadableFile( TextView inReason, bool inIsOutOfReach ) const
 {
-    RequireBeforeWriting( [file = mLocalFile] {
-        constexpr TextView kReason = u"the macros file can't be read";
-        const auto error = SetAside::KeepFile( SetAside::Kind::kMacrosFile, file, kReason );
-        return error ? MoveAway( file ) : error;
+    RequireBeforeWriting( [file = mLocalFile, inIsOutOfReach] {
+        return inIsOutOfReach
+            ? MoveAway( file )
+            : SetAside::KeepFile( SetAside::Kind::kMacrosFile, file, u"the macros file can't be read" );
     } );
     Post( kMacrosFileUnreadable, mLocalFile, inReason );
 }
@@ -205,6 +207,8 @@ void InitialLoad::ParseAndLoad()
         if ( not MayBeginAnew() )
         {
             Post( kMacrosFileWrongRoot, mLocalFile, exception.GetMessage() );
+            // The program ends now, and its end saves.
+            MMacroFileLoading::LatchSavingOff();
             throw;
         }
         KVNotices::Answer( kMacrosFileWrongRoot );

@@ -167,6 +167,11 @@ bool MMacroFileLoading::IsSavingLatchedOff()
     return gIsSavingLatchedOff;
 }
 
+void MMacroFileLoading::LatchSavingOff()
+{
+    gIsSavingLatchedOff = true;
+}
+
 void MMacroFileLoading::Reset()
 {
     gIsSavingLatchedOff = false;

@@ -23,6 +23,8 @@ bool Load( const __SafeCFPropertyList& inValue, const MMacroFileDataPtr& inData,
 /// Bytes that the model equals: what a load goes back to that failed in the middle.
 void NoteWhole( const MMacroFileDataPtr& inData );
 [[nodiscard]] bool IsSavingLatchedOff();
+/// Until a load has succeeded.
+void LatchSavingOff();
 
 void Reset();
 } // namespace MMacroFileLoading
