@@ -71,7 +71,7 @@ SavedMacros MacrosOf( const SetAside::Entry& inEntry )
 void AddEntryOption( CLI::App& ioCommand, std::string& ioEntry )
 {
     ioCommand
-        .add_option( "WHAT", ioEntry, "The first digits that “korvalen set-aside list” shows, or the file's name" )
+        .add_option( "WHAT", ioEntry, "Its first digits, as “set-aside list” shows them, or the file's name" )
         ->required()
         ->type_name( "" );
 }

@@ -256,7 +256,7 @@ private:
     void TellLastSave( Output& ioOutput )
     {
         if ( const auto time = LastSave() )
-            Tell( CFSTR( "lastSave" ), "Last save", LocalTimeText( *time ), ioOutput );
+            Tell( CFSTR( "lastSave" ), "Saved at", LocalTimeText( *time ), ioOutput );
     }
 
     void TellSharing( Output& ioOutput )

@@ -26,6 +26,8 @@ public:
         MMacroPreferenceFile::UndoRedoMacroData(
             std::make_shared<MMacroFileData>( XBytes( std::string( bytes.View() ) ) ) );
         MMacroPreferenceFile::ReloadAllMacros();
+        // What the test left to loading, such as the groups' toggles, is the same from now on.
+        MMacroPreferenceFile::SaveAllMacros();
         mWorld.mWork.RunAll();
     }
     ~EditorRun()
