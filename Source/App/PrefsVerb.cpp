@@ -3,6 +3,7 @@
 #include "App/MacrosFile.h"
 #include "App/PropertyListJSON.h"
 #include "App/Verb.h"
+#include "CFMethods/PropertyListText.h"
 #include "Defines/KVPreferences.h"
 #include "Utility/Text/TextCompare.h"
 
@@ -211,7 +212,7 @@ private:
             ioOutput.Complain( fmt::format( "“{}” isn't set and has no default", inSetting.mKey ) );
             return ExitStatus::kFailed;
         }
-        if ( mJSON )
+        if ( mJSON or not value.AsString() )
             ioOutput.JSON( value );
         else
             ioOutput.Line( ShownValue( value ) );
@@ -337,7 +338,10 @@ private:
         }
         ioOutput.Text( inSetting.mKey, inValue ? Colour::kBold : Colour::kNone );
         if ( inValue )
-            ioOutput.Text( " = " + ( isHidden ? "(hidden)" : ShownValue( inValue ) ) );
+            ioOutput.Text( " = " +
+                ( isHidden                   ? "(hidden)"
+                        : inValue.AsString() ? ShownValue( inValue )
+                                             : BriefText( inValue ) ) );
         ioOutput.Line( Remark( inSetting ) );
     }
 

@@ -84,7 +84,9 @@ Revision FindState( const std::string& inWord )
     std::vector<Revision> found = StateRevisions();
     std::erase_if(
         found, [&prefix]( const Revision& revision ) { return not revision.mDigest.starts_with( prefix ); } );
-    if ( found.size() == 1 and not prefix.empty() )
+    if ( prefix.empty() )
+        found.clear();
+    if ( found.size() == 1 )
         return std::move( found.front() );
     throw FileTrouble( found.empty()
             ? fmt::format( "there is no saved state “{}”; “korvalen revisions list” shows what there is", inWord )

@@ -323,7 +323,8 @@ public:
             { KVPreferences::kEditorDomain, KVPreferences::kEngineDomain, KVPreferences::kLicenceDomain } )
             Tell( "settings file", configuration / ( std::string( domain ) + ".plist" ), "one of the three domains",
                 output );
-        Tell( "log", XErrorHandler::LogsFolder(),
+        // Asking the log makes its folder.
+        Tell( "log", isGiven ? folder / "Logs" : XErrorHandler::LogsFolder(),
             isGiven ? "in the data folder, as that is named" : "the user's folder for logs", output );
         if ( const XText file = MMacroSharing::SharedFile(); not IsEmpty( file ) )
             Tell( "shared file", file.GetUTF8(), "the setting MacroSharingFile", output );

@@ -18,9 +18,8 @@ void WriteFile( const std::filesystem::path& inPath, std::string_view inBytes )
 /// A revision of the first state.
 void WriteRevision( EditorRun& ioEditor, const char* inName )
 {
-    const auto bytes =
-        WriteBinaryPropertyList( With( MacrosOfEditorTests(), { { "MacroPreferencesVersion", Int( 91 ) } } ) );
-    WriteFile( ioEditor.Folder() / "Revisions Version 9" / inName, bytes.View() );
+    WriteFile( ioEditor.Folder() / "Revisions Version 9" / inName,
+        ioEditor.Files().at( ( ioEditor.Folder() / "Korvalen Macros.plist" ).native() ) );
 }
 } // namespace
 
