@@ -33,7 +33,7 @@ TEST( StateVerbs, ARevisionIsNamedByDateOrEvent )
             HasSubstr( "At This Launch" ) ) );
     for ( const char* const date : { "2024_03_01", "2024-03-01", "launch", "9999_01_01" } )
         EXPECT_THAT( editor.Run( { "revisions", "show", date } ).mOutput,
-            StartsWith( "Finds  (smart group)\nGlobal Macro Group  (1 macro)\n    In default\n" ) )
+            StartsWith( "Finds  (smart group)\nAlpha  (3 macros)\n    One\n    Two\n    Same (disabled)\nBeta " ) )
             << date;
     for ( const char* const date : { "2024-03-02", "before-sync", "", "../x", "state:", "state:ffff" } )
     {
