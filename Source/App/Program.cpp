@@ -35,6 +35,7 @@ constexpr struct
     { "import, export", "Take macros in from files, or write some into one" },
     { "undo, redo, save", "Take the last edit back, or make it again; write what waits" },
     { nullptr, "The editor and its files" },
+    { "run", "Be the editor until told to end; what “korvalen” alone does" },
     { "status, paths", "What is loaded, waits or went wrong; every path in use, and why" },
     { "revisions", "Earlier states: compare, go back to one, or bring one macro back" },
     { "set-aside", "What was kept before it was replaced: show, compare, restore" },

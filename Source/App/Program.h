@@ -18,7 +18,8 @@ struct ProgramPlace
     std::filesystem::path mWorkingFolder; ///< empty: the process's
 };
 
-/// Runs the program with arguments that don't include its name; none at all means "run". It never throws. Standard output
+/// Runs the program with arguments that don't include its name; none at all means "run" where there is a host. It never
+/// throws. Standard output
 /// isn't flushed.
 [[nodiscard]] ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileInput& inInput,
     Output& ioOutput, const ProgramPlace& inPlace = {} );
