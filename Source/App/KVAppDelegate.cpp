@@ -448,7 +448,7 @@ void KVAppDelegate::FinishDeferredJobs()
 
 void KVAppDelegate::FinalSaveAllMacros()
 {
-    MMacroPreferenceFile::FinalSaveAllMacros();
+    MacrosWindowUndo::FinalSaveAllMacros();
     SavedStates::WaitForQueue();
 }
 

@@ -9,6 +9,7 @@
 #include "Defines/KVPreferences.h"
 #include "Macros/KVMacroEnableOverrides.h"
 #include "Macros/MMacroApplication.h"
+#include "Macros/MMacroDomain.h"
 #include "Macros/MMacroFileAlerts.h"
 #include "Macros/MMacroFilesSeen.h"
 #include "Macros/MMacroPreferenceFile.h"
@@ -51,6 +52,7 @@ struct Write
     MMacroFileDataPtr mOld, mNew;
     bool mWasLocal, mIsLocal, mReload;
     std::uint64_t mOverridesTaken;
+    XText mSaveUUID; ///< of the newest save of the model, perhaps this one
 };
 
 void PostLoadMacroFiles()
@@ -75,6 +77,30 @@ void TellEngine()
 bool IsSame( std::span<const std::uint8_t> a, std::span<const std::uint8_t> b )
 {
     return a.size() == b.size() and ( a.empty() or std::memcmp( a.data(), b.data(), a.size() ) == 0 );
+}
+
+/// Two saves of one model on one day differ in nothing but the UUID of the save, which stands in its own object.
+bool IsSaveOfTheSame(
+    std::span<const std::uint8_t> inOld, std::span<const std::uint8_t> inNew, const XText& inSaveUUID )
+{
+    constexpr std::uint8_t kHead[] = { 0x5F, 0x10, 0x24 }; // 36 units of ASCII
+    constexpr std::size_t kUUIDSize = 36;
+    if ( inOld.size() != inNew.size() )
+        return false;
+    const std::size_t at =
+        std::size_t( std::mismatch( inOld.begin(), inOld.end(), inNew.begin() ).first - inOld.begin() );
+    if ( at == inOld.size() )
+        return true;
+    const auto before = inNew.first( at );
+    const auto head = std::find_end( before.begin(), before.end(), std::begin( kHead ), std::end( kHead ) );
+    if ( head == before.end() )
+        return false;
+    const std::size_t begin = std::size_t( head - before.begin() ) + std::size( kHead );
+    if ( at >= begin + kUUIDSize or begin + kUUIDSize > inNew.size() or
+        not IsSame( inOld.subspan( begin + kUUIDSize ), inNew.subspan( begin + kUUIDSize ) ) )
+        return false;
+    // Another object's UUID may have changed alone.
+    return inSaveUUID.GetUTF8() == std::string( reinterpret_cast<const char*>( inNew.data() ) + begin, kUUIDSize );
 }
 
 /// The queue, and what only its blocks touch.
@@ -102,7 +128,8 @@ private:
 
     std::shared_ptr<XQueue> mQueue;
     std::vector<Precondition> mPreconditions;
-    MSeenDigests mShared; // what the shared file has held, as far as we know
+    bool mHasFailed = false; // the last write
+    MSeenDigests mShared;    // what the shared file has held, as far as we know
 };
 
 MacroDataQueue& TheQueue()
@@ -126,6 +153,7 @@ void MacroDataQueue::Run( const Write& inWrite )
         error = XAtomicFile::Write( MMacroPreferenceFile::MacrosFilePath(), inWrite.mNew->Span() );
     if ( not error )
         return DidWrite( inWrite );
+    mHasFailed = true;
     XErrorHandler::PrivateMaybeLogFormat( "always", "Preference write failed with error: %@; %@", error->Describe(),
         MMacroFileAlerts::RecoverySuggestion( *error ) );
     MMacroFileAlerts::WriteFailed( *error, MMacroPreferenceFile::MacrosFilePath() );
@@ -162,7 +190,10 @@ std::optional<XFileError> MacroDataQueue::KeepWhatReceivedBytesReplace( const Wr
 
 void MacroDataQueue::DidWrite( const Write& inWrite )
 {
-    SavedStates::KeepSoon( inWrite.mNew );
+    // The last save, which comes without an edit too, would otherwise push states out that differ.
+    if ( std::exchange( mHasFailed, false ) or not inWrite.mOld or
+        not IsSaveOfTheSame( inWrite.mOld->Span(), inWrite.mNew->Span(), inWrite.mSaveUUID ) )
+        SavedStates::KeepSoon( inWrite.mNew );
     KVMacroEnableOverrides::DidSave( inWrite.mOverridesTaken );
     if ( not inWrite.mIsLocal )
         AddShared( inWrite.mNew );
@@ -218,7 +249,7 @@ void MMacroFileSaving::SaveMacroData( const XText& inRevisionDate, const MMacroF
     const std::scoped_lock lock( gSavedMutex );
     Write write{ inRevisionDate, std::exchange( gPrivateLastSavedData, inData ), inData,
         std::exchange( gPrivateLocalChange, inChange == Change::kLocal ), inChange == Change::kLocal,
-        inAfterwards == Afterwards::kReload, inOverridesTaken };
+        inAfterwards == Afterwards::kReload, inOverridesTaken, MMacroDomain::LastSaveUUID() };
     queue.Queue().Async( [&queue, write = std::move( write )] { queue.Run( write ); } );
 }
 

@@ -344,6 +344,14 @@ void MacrosWindowUndo::LoadPersistentStacks()
     } );
 }
 
+void MacrosWindowUndo::FinalSaveAllMacros()
+{
+    FinishLoading();
+    MMacroPreferenceFile::FinalSaveAllMacros();
+    RecoverySnapshot::NoteSave();
+    WriteJournal();
+}
+
 void MacrosWindowUndo::DebugClearUnnecessaryState()
 {
     FinishLoading();

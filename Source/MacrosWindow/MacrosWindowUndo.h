@@ -48,6 +48,9 @@ bool Redo();
 /// on a queue, and whoever needs the stacks before it has ended waits.
 void LoadPersistentStacks();
 
+/// The last save of the application, after which the stacks belong to what it has written. At termination.
+void FinalSaveAllMacros();
+
 /// Empties both stacks.
 void DebugClearUnnecessaryState();
 [[nodiscard]] std::size_t UndoCount();
