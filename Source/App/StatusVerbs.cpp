@@ -73,6 +73,8 @@ public:
 private:
     ExitStatus RunInEditor( VerbContext& ioContext ) override
     {
+        // Whoever types "undo" right behind an edit wants to have it back by "redo": it has to be saved for that.
+        MacrosWindowUndo::SaveAllMacrosIfNecessary();
         const auto item = mIsRedo ? MacrosWindowUndo::ValidateRedo() : MacrosWindowUndo::ValidateUndo();
         const Counts before = CountModel();
         if ( not item.mIsEnabled or not( mIsRedo ? MacrosWindowUndo::Redo() : MacrosWindowUndo::Undo() ) )
