@@ -4,6 +4,7 @@
 #include "App/DaemonLoginStatus.h"
 #include "App/KVAppDetails.h"
 #include "App/KVApplication.h"
+#include "ClipboardSwitcher/ClipboardReference.h"
 #include "Defines/KVIconRegistry.h"
 #include "Defines/KVPreferences.h"
 #include "Defines/SetAside.h"
@@ -136,11 +137,13 @@ KVAppDelegate::KVAppDelegate( const Options& inOptions, KVAppSubsystems& inSubsy
 {
     XAssert( gAppDelegate == nullptr );
     gAppDelegate = this;
+    ClipboardReference::SetAskForReload( [this] { ReloadSoon(); } );
 }
 
 KVAppDelegate::~KVAppDelegate()
 {
     gAppDelegate = nullptr;
+    ClipboardReference::SetAskForReload( {} );
     // After a start that failed: what would have been done at the end mustn't reach the next one.
     XNotificationCenter::RemoveEveryCocoaObserver( this );
     mMacroDomain.reset();
@@ -538,6 +541,21 @@ void KVAppDelegate::macrosSavedClearAppleScriptCaches()
     // After an undo the model is a new one.
     if ( not MMacroFileEncoder::HasAnything() )
         EncodeInIdleTurns();
+}
+
+// A clipboard was renamed while a reference to it was looked at, which is also done when the model is written: so never
+// now, and once for all references.
+void KVAppDelegate::ReloadSoon()
+{
+    if ( not std::exchange( mIsReloadAsked, true ) )
+        RunLater( 0, &KVAppDelegate::ReloadAsAsked );
+}
+
+void KVAppDelegate::ReloadAsAsked()
+{
+    // The reload itself looks at the references, and the bytes may still have the old names: that asks for nothing.
+    HandleReloadMacros();
+    mIsReloadAsked = false;
 }
 
 // So that the next save finds all but what was edited in its encoded form. Each turn is short, and others come between.

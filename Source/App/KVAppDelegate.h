@@ -120,6 +120,8 @@ private:
     void FinishPerformCoalesced();
 
     void EncodeInIdleTurns();
+    void ReloadSoon();
+    void ReloadAsAsked();
 
     void DidGetNagNow();
     void DidGetVersionCheckError();
@@ -139,6 +141,7 @@ private:
     std::unique_ptr<MMacroDomain> mMacroDomain;
     std::atomic<bool> mIsTerminating{ false };
     bool mMayGoOn = true;
+    bool mIsReloadAsked = false;
     bool mIsEncoding = false;    ///< the next idle turn goes on
     bool mDeferOpenFile = false; ///< true once the deferred actions have run
     std::vector<std::filesystem::path> mDeferredOpenFiles;

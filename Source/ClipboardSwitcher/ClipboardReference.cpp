@@ -8,6 +8,12 @@
 
 namespace
 {
+std::function<void()>& gAskForReload()
+{
+    static std::function<void()> gAsk;
+    return gAsk;
+}
+
 ClipboardNames* gClipboardNames = nullptr;
 
 // How many references hold each UID. A map of texts, as references come and go by the thousand with their
@@ -87,6 +93,11 @@ void ClipboardReference::Set( const XText& inUID, const XText& inName )
     mName = name;
 }
 
+void ClipboardReference::SetAskForReload( std::function<void()> inAskForReload )
+{
+    gAskForReload() = std::move( inAskForReload );
+}
+
 bool ClipboardReference::UpdateClipboardReference( bool inForce )
 {
     if ( not gClipboardNames )
@@ -113,7 +124,7 @@ bool ClipboardReference::UpdateClipboardReference( bool inForce )
         uid = gClipboardNames->GetClipboardUIDByName( name ).value_or( uid );
     else
         uid = gClipboardNames->GetOrCreateClipboard( name, uid );
-    // 5. Whoever holds the reference has the macros reloaded.
+    // 5. Other holders of the clipboard show what was.
     const bool changed = not mUID.Equals( uid ) or not mName.Equals( name );
     if ( changed )
     {
@@ -122,6 +133,8 @@ bool ClipboardReference::UpdateClipboardReference( bool inForce )
     }
     // 6. In use again.
     AddToUse( mUID );
+    if ( changed and gAskForReload() )
+        gAskForReload()();
     return changed;
 }
 

@@ -5,6 +5,7 @@
 
 #include "CFMethods/PropertyList.h"
 
+#include <functional>
 #include <optional>
 
 class StringSearchee;
@@ -49,9 +50,10 @@ public:
 
     /// Follows the store: a clipboard that was renamed gives its new name, one that is missing is made anew. Forced, the
     /// UID doesn't count: the reference becomes that of the clipboard with its name. True when the reference changed;
-    /// whoever holds it then has the macros reloaded, after the save if there is one under way. Without a store nothing
-    /// changes.
+    /// then a reload of all macros is asked for. Without a store nothing changes.
     bool UpdateClipboardReference( bool inForce );
+    /// Who is asked for it. The model may just be written, so it only notes the wish and reloads later. Empty for nobody.
+    static void SetAskForReload( std::function<void()> inAskForReload );
     /// As it would be after an update that isn't forced.
     [[nodiscard]] ClipboardReference Updated() const;
 

@@ -15,6 +15,19 @@ TEST( ClipboardReference, KeepsWhatItHoldsWithoutAStore )
     }
 }
 
+TEST( ClipboardReference, AChangeAsksForAReload )
+{
+    int asked = 0;
+    ClipboardReference::SetAskForReload( [&asked] { ++asked; } );
+    const FakeClipboardNames store{ { u"1", u"Notes" } };
+    ClipboardReference reference{ XText( u"1" ), XText( u"Old" ) };
+    (void)reference.UpdateClipboardReference( false );
+    EXPECT_EQ( asked, 1 );
+    (void)reference.UpdateClipboardReference( false );
+    EXPECT_EQ( asked, 1 );
+    ClipboardReference::SetAskForReload( {} );
+}
+
 TEST( ClipboardReference, FollowsTheStore )
 {
     constexpr struct
