@@ -32,6 +32,8 @@ public:
     void SetFault( const Fault& inFault );
     /// The process dies before (or after) the call of this number: nothing that it does later reaches the disk.
     void SetKill( std::size_t inCall, bool inAfter );
+    /// Now.
+    void Kill() { mWasKilled = true; }
     [[nodiscard]] bool WasKilled() const { return mWasKilled; }
     [[nodiscard]] bool HasFailed() const { return mHasFailed; }
     void ResetCount();
