@@ -66,8 +66,7 @@ std::shared_ptr<SimulatedDisk> SimulatedEditor::DiskWith( TextView inName )
     disk->Put( "/share/.folder", "" );
     SimulatedEditor editor( *disk );
     (void)editor.Start();
-    (void)KVPreferences::Set(
-        KVPreferences::kMacroSharingLockSemaphoreNameID, XText( TextFromUTF8( LockName() ) ) );
+    (void)KVPreferences::Set( KVPreferences::kMacroSharingLockSemaphoreNameID, XText( TextFromUTF8( LockName() ) ) );
     editor.Quit();
     disk->SyncAll();
     disk->Restart();

@@ -247,6 +247,11 @@ SimulatedDisk::Number SimulatedDisk::FindFolderOf( const std::filesystem::path& 
     return folder;
 }
 
+bool SimulatedDisk::IsFaulty() const
+{
+    return mFault.mCall != 0 and ( mCalls == mFault.mCall or ( mFault.mFromThenOn and mCalls > mFault.mCall ) );
+}
+
 bool SimulatedDisk::Begin( std::string inWhat, int& outError )
 {
     outError = EIO;
@@ -259,9 +264,11 @@ bool SimulatedDisk::Begin( std::string inWhat, int& outError )
         mWasKilled = true;
         return false;
     }
-    if ( mFault.mCall != 0 and ( mCalls == mFault.mCall or ( mFault.mFromThenOn and mCalls > mFault.mCall ) ) )
+    if ( IsFaulty() )
     {
         mHasFailed = true;
+        if ( mFault.mIsShortWrite )
+            return true;
         outError = mFault.mError;
         return false;
     }
@@ -401,9 +408,10 @@ std::ptrdiff_t SimulatedDisk::Write( int inFile, std::span<const std::uint8_t> i
             put( inBytes.size() / 2 );
         return Fail( error );
     }
-    put( inBytes.size() );
+    const std::size_t taken = IsFaulty() and mFault.mIsShortWrite ? ( inBytes.size() + 1 ) / 2 : inBytes.size();
+    put( taken );
     End();
-    return std::ptrdiff_t( inBytes.size() );
+    return std::ptrdiff_t( taken );
 }
 
 int SimulatedDisk::FSync( int inFile )

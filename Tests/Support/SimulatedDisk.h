@@ -28,6 +28,7 @@ public:
         std::size_t mCall = 0; ///< 0: none
         int mError = 0;        ///< what the call fails with; a write fails after half of its bytes
         bool mFromThenOn = false;
+        bool mIsShortWrite = false; ///< nothing fails: a write takes half of its bytes, if it is this call
     };
     void SetFault( const Fault& inFault );
     /// The process dies before (or after) the call of this number: nothing that it does later reaches the disk.
@@ -118,6 +119,7 @@ private:
     [[nodiscard]] Number FindFolderOf( const std::filesystem::path& inPath ) const;
     [[nodiscard]] bool Begin( std::string inWhat, int& outError ); ///< false: the call fails with this
     void End();
+    [[nodiscard]] bool IsFaulty() const; ///< the call that has begun
     void Apply( Pending inPending );
     static void Apply( const Pending& inPending, Nodes& ioNodes, bool inDurable );
     [[nodiscard]] int RenameLocked(
