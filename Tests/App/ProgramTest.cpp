@@ -43,7 +43,6 @@ TEST( Program, WrongUsageIsOneSentenceAndStatusTwo )
         std::vector<std::string> mArguments;
         const char* mBeginning;
     } kCases[] = {
-        { {}, "korvalen: a verb is missing; see “korvalen --help”" },
         { { "prunt" }, "korvalen: there is no verb “prunt” here; see “korvalen --help”" },
         { { "--prunt" }, "korvalen: there is no option “--prunt” here; see" },
         { { "plist" }, "korvalen: a verb is missing; see “korvalen plist --help”" },
