@@ -7,8 +7,15 @@
 #include <cstdint>
 #include <optional>
 
-/// Has the folder's editor run the verb, and prints what it says. Complains when it can't be reached.
-[[nodiscard]] ExitStatus AskTheEditor( VerbContext& ioContext, std::optional<std::int64_t> inHolder );
+/// Has the folder's editor run the verb that this process was started with, and prints what it says. Absent when no
+/// editor answers. The platform has to be started, as EditorSession does.
+[[nodiscard]] std::optional<ExitStatus> AskTheEditor( VerbContext& ioContext );
+
+/// The same for a verb that only looks: the platform is started for the moment, and no folder is made.
+[[nodiscard]] std::optional<ExitStatus> AskAnyEditor( VerbContext& ioContext );
+
+/// Tells that the folder's editor can't be reached. The holder is its process, if that is known.
+[[nodiscard]] ExitStatus ComplainOfSilentEditor( Output& ioOutput, std::optional<std::int64_t> inHolder );
 
 /// Runs a verb for another process, within the editor.
 [[nodiscard]] XEditorService::Reply RunForOther( const XEditorService::Request& inRequest, EditorHost& ioHost );

@@ -14,7 +14,10 @@ ExitStatus EditorVerb::Run( VerbContext& ioContext )
     {
         EditorSession session( ioContext.mHost );
         if ( not session.TakeFolder() )
-            return AskTheEditor( ioContext, session.Holder() );
+        {
+            const auto status = AskTheEditor( ioContext );
+            return status ? *status : ComplainOfSilentEditor( ioContext.mOutput, session.Holder() );
+        }
         KVAppDelegate::Options options;
         options.mIsForOneVerb = true;
         session.Start( options );

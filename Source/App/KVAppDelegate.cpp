@@ -342,8 +342,11 @@ void KVAppDelegate::launchOrRelaunchEngine()
 {
     bool alreadyRunning = false;
     KVApplication::KillEngines( false, alreadyRunning );
-    if ( not alreadyRunning )
+    const bool isInstalled = Platform::Current().RunningApplications().EngineExecutable().has_value();
+    if ( not alreadyRunning and isInstalled )
         KVApplication::LaunchEngine();
+    else if ( not alreadyRunning ) // a normal state: it was installed without one
+        XErrorHandler::PrivateMaybeLogFormat( "always", "There is no engine to launch" );
     MMacroPreferenceFile::InitialEngineFinishedRelaunching();
 }
 

@@ -6,6 +6,7 @@
 #include "App/Verb.h"
 #include "Defines/KVPreferences.h"
 #include "Platform/Platform.h"
+#include "XCAF/XErrorHandler.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -33,7 +34,10 @@ public:
         {
             EditorSession session( ioContext.mHost );
             if ( not session.TakeFolder() )
-                return AskTheEditor( ioContext, session.Holder() );
+            {
+                const auto status = AskTheEditor( ioContext );
+                return status ? *status : ComplainOfSilentEditor( ioContext.mOutput, session.Holder() );
+            }
             RunEditor( ioContext, session );
             return ExitStatus::kDone;
         }
@@ -76,9 +80,13 @@ private:
         for ( const std::string& file : mFiles )
             (void)ioSession.Delegate().application( ioContext.Resolve( file ) );
         if ( claim == XEditorService::Claim::kAlone )
+        {
+            XErrorHandler::PrivateMaybeLogFormat(
+                "always", "There is no session bus: no engine and no other program is heard" );
             ioContext.mOutput.Complain(
                 "there is no session bus: this editor is alone, and neither other programs nor an "
                 "engine hear of it" );
+        }
         SayReady( ioContext.mOutput );
         ioSession.Host().RunMainLoop( [&ioSession] { ioSession.Delegate().terminate(); } );
         Platform::Current().EditorService().ReleaseFolder();

@@ -1,5 +1,5 @@
 // "share": one macros file for several computers.
-#include "App/AskEditor.h"
+#include "App/EditorService.h"
 #include "App/Verb.h"
 #include "Macros/MMacroPreferenceFile.h"
 #include "Macros/MMacroSharing.h"
@@ -134,7 +134,7 @@ public:
         // Only a running editor knows whether sharing stands still.
         if ( not ioContext.mIsInEditor )
         {
-            if ( const auto status = AskEditor( ioContext ) )
+            if ( const auto status = AskAnyEditor( ioContext ) )
                 return *status;
         }
         const XText file = MMacroSharing::SharedFile();

@@ -1,10 +1,11 @@
 // "undo", "redo" and "save" work in the editor. "status" asks a running editor, and else reads the files; "paths" only
 // tells where things are. Neither of the two changes anything.
-#include "App/AskEditor.h"
+#include "App/EditorService.h"
 #include "App/MacrosFile.h"
 #include "App/SavedMacros.h"
 #include "App/TimeText.h"
 #include "App/Verb.h"
+#include "Defines/KVFolderLock.h"
 #include "Defines/KVNotices.h"
 #include "Defines/KVPreferences.h"
 #include "Defines/SetAside.h"
@@ -168,13 +169,16 @@ public:
     {
         if ( not ioContext.mIsInEditor )
         {
-            if ( const auto status = AskEditor( ioContext ) )
+            if ( const auto status = AskAnyEditor( ioContext ) )
                 return *status;
         }
         Output& output = ioContext.mOutput;
         const bool hasFolder = ioContext.mIsInEditor or FolderExists();
         Tell( CFSTR( "folder" ), "Folder", KVPreferences::PlannedFolderPath().native(), output );
-        TellFact( CFSTR( "editor" ), "Editor", ioContext.mIsInEditor, "running", "not running", output );
+        const bool isSilent = not ioContext.mIsInEditor and hasFolder and KVFolderLock::IsHeldNow();
+        TellFact( CFSTR( "editor" ), "Editor", ioContext.mIsInEditor or isSilent,
+            isSilent ? "running, but it can't be asked: the facts are those of the file" : "running", "not running",
+            output );
         if ( ioContext.mIsInEditor )
             TellModel( output );
         else if ( hasFolder )

@@ -9,6 +9,7 @@
 namespace
 {
 constexpr std::size_t kMostBytes = 32;
+constexpr TextView kFileName = u".Korvalen Editor Lock";
 
 void WriteProcess( int inFile )
 {
@@ -35,7 +36,7 @@ std::optional<std::int64_t> ReadProcess( const std::filesystem::path& inPath )
 
 XKernelLock::Result KVFolderLock::TryTake()
 {
-    const auto path = KVPreferences::FilePath( u".Korvalen Editor Lock" );
+    const auto path = KVPreferences::FilePath( kFileName );
     mHolderProcess.reset();
     const auto result = mLock.TryTake( path );
     if ( result == XKernelLock::Result::kTaken )
@@ -43,4 +44,14 @@ XKernelLock::Result KVFolderLock::TryTake()
     else if ( result == XKernelLock::Result::kHeldByAnother )
         mHolderProcess = ReadProcess( path );
     return result;
+}
+
+bool KVFolderLock::IsHeldNow()
+{
+    const auto path = KVPreferences::PlannedFolderPath() / UTF8FromText( kFileName );
+    XFileStatus facts;
+    if ( XFileCalls::Current().GetPathFacts( path, facts ) != 0 )
+        return false; // taking would make it
+    XKernelLock lock;
+    return lock.TryTake( path ) == XKernelLock::Result::kHeldByAnother;
 }

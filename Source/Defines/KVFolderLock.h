@@ -13,6 +13,8 @@ public:
     /// Takes the lock of KVPreferences::FolderPath() without waiting, on the file ".Korvalen Editor Lock". kFailed means
     /// that nobody can tell, as on a volume that knows no locks: see Error.
     [[nodiscard]] XKernelLock::Result TryTake();
+    /// Whether some process has the lock at this moment. Changes nothing; but it takes the lock for an instant if it can.
+    [[nodiscard]] static bool IsHeldNow();
     void Release() { mLock.Release(); }
     [[nodiscard]] bool IsHeld() const { return mLock.IsHeld(); }
 

@@ -189,7 +189,9 @@ void BusNotifier::Send( const Posting& inPosting )
         return; // the engine that comes is told then, and only once
     if ( isToEngine and mEngine.empty() )
     {
-        Drop( inPosting, "there is no engine" );
+        // The usual state of an editor that runs without one.
+        XErrorHandler::PrivateMaybeLogFormat(
+            "engine", "Notification %s is dropped: there is no engine", inPosting.mName );
         return;
     }
     if ( Emit( inPosting, isToEngine ? mEngine.c_str() : nullptr ) and isLoad )

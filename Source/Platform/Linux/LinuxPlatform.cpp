@@ -8,7 +8,6 @@
 #include "Platform/Linux/LinuxRunningApplications.h"
 #include "Platform/Linux/LinuxWorkspace.h"
 #include "XCAF/UserFolders.h"
-#include "XCAF/XErrorHandler.h"
 
 struct LinuxPlatform::Services
 {
@@ -58,9 +57,6 @@ bool LinuxPlatform::Start( const std::filesystem::path& inFolder, FolderKind inK
     mServices->mRunningApplications.SetFolder( { inFolder, inKind == FolderKind::kDefault } );
     const bool isThere = mServices->mBus.Connect();
     mServices->mNotifier.Start( inFolder );
-    if ( not isThere )
-        XErrorHandler::PrivateMaybeLogFormat(
-            "always", "There is no session bus: no engine and no other program is heard" );
     return isThere;
 }
 

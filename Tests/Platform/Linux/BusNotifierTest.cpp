@@ -1,6 +1,7 @@
 #include "Platform/Linux/BusNotifier.h"
 
 #include "Tests/Platform/Linux/BusTestSupport.h"
+#include "Tests/Support/LogTags.h"
 
 namespace
 {
@@ -61,6 +62,7 @@ TEST_F( Notifier, OthersOfTheFolderHearAPostOnceAndItsMakerNot )
 TEST_F( Notifier, WhatRunsSomethingReachesTheOwnerOfTheEnginesNameAlone )
 {
     using enum XProcessNotifier::Audience;
+    const LogTags tags( u"engine", mLog );
     Program editor( mFolder ), engine( mFolder ), third( mFolder );
     Settle( *editor.mBus.Get() );
     editor.Post( u"KV_ExecuteMacro", kEngineOnly ); // nobody is the engine yet
