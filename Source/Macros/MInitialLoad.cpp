@@ -2,7 +2,6 @@
 // nothing writes nothing. The comments number the steps.
 #include "Defines/KVNotices.h"
 #include "Defines/KVPreferences.h"
-#include "Defines/KVVersion.h"
 #include "Defines/SetAside.h"
 #include "Defines/XFileSemaphoreLock.h"
 #include "Macros/MDefaultLibraries.h"
@@ -24,13 +23,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace
 {
 using namespace MMacroFileAlerts;
 using namespace MMacroFileSaving;
-
-constexpr std::size_t kMostBytes = std::size_t( 2 ) << 30;
 
 // What older programs wrote: their versions said less than the default sets that they had been given.
 std::uint32_t NormalizedVersion( std::uint32_t inPreferencesVersion, std::uint32_t inDefaultsVersion )
@@ -63,18 +61,32 @@ private:
     MMacroDomain& mDomain;
     const std::filesystem::path mLocalFile = MMacroPreferenceFile::MacrosFilePath();
     std::filesystem::path mSource = mLocalFile;
-    MMacroFileDataPtr mData;        // of the file that the model is loaded from; null without one
-    MMacroFileDataPtr mLocalBefore; // the local file, when a shared one takes its place and differs
-    bool mLocalDiffers = false;     // from the shared file that was taken, or isn't there
-    bool mWasGood = false;          // everything was read and understood
+    MMacroFileDataPtr mData;          // of the file that the model is loaded from; null without one
+    __SafeCFPropertyList mProperties; // of a shared file, which is parsed before it is taken
+    MMacroFileDataPtr mLocalBefore;   // the local file, when a shared one takes its place and differs
+    bool mLocalDiffers = false;       // from the shared file that was taken, or isn't there
+    bool mWasGood = false;            // everything was read and understood
 };
 
 void FolderPermissionTest()
 {
     const auto file = KVPreferences::FilePath( u"Korvalen Test Write" );
-    if ( const auto error = XAtomicFile::Write( file, {} ) )
+    if ( const auto error = XAtomicFile::Write( file, {}, XAtomicFile::Links::kReplace ) )
         WriteFailed( *error, KVPreferences::FolderPath() );
     (void)XFileCalls::Current().Unlink( file );
+}
+
+// What an older version has left behind. It may be there from an earlier upgrade, of another file.
+bool BackUp( const MMacroFileData& inData )
+{
+    const auto file = KVPreferences::FilePath( u"Korvalen Macros Saved Version 8.plist" );
+    const XFileContent there = MMacroFileLoading::ReadFile( file );
+    if ( not there.mError and std::ranges::equal( there.mBytes.Span(), inData.Span() ) )
+        return true;
+    if ( not there.mError and
+        SetAside::Keep( SetAside::Kind::kMacrosFile, there.mBytes.Span(), u"a later upgrade replaces its backup" ) )
+        return false;
+    return not XAtomicFile::Write( file, inData.Span(), XAtomicFile::Links::kReplace );
 }
 
 // A file whose bytes nobody can get at is kept itself, under another name beside it.
@@ -121,7 +133,7 @@ bool InitialLoad::ReadSharedFile()
         return false;
     (void)XFileCalls::Current().Unlink( KVPreferences::FilePath( u"Korvalen Macros From Shared.plist" ) );
     const std::filesystem::path path = shared.GetUTF8();
-    XFileContent content = ReadWholeFile( path, kMostBytes );
+    XFileContent content = MMacroFileLoading::ReadFile( path );
     if ( content.mError )
     {
         XErrorHandler::PrivateMaybeLogFormat( "always", "Shared macros file: %@", content.mError->Describe() );
@@ -131,25 +143,28 @@ bool InitialLoad::ReadSharedFile()
     }
     auto data = std::make_shared<const MMacroFileData>( std::move( content.mBytes ) );
     std::string reason;
-    const auto properties = MMacroFileLoading::ParseMacrosFile( data, reason );
+    const auto verdict = MMacroFileLoading::JudgeSharedFile( data, mProperties, reason );
     // Half a file, or none of ours: the read hasn't worked. Before we write there, it is set aside as never seen.
-    if ( not properties )
-    {
+    if ( verdict == MMacroFileLoading::SharedFile::kUnreadable )
         Post( kShareFileUnreadable, path, TextFromUTF8( reason ) );
-        return false;
-    }
-    if ( KVVersion::Compare( MMacroDomain::VersionFromPropertyList( properties ), MMacroDomain::GetOurVersion() ) > 0 )
+    else if ( verdict == MMacroFileLoading::SharedFile::kNewer )
     {
         SetSharingDisabledBecauseOfNewerVersion( true );
         SharedFileIsNewer();
+    }
+    if ( verdict != MMacroFileLoading::SharedFile::kTaken )
+    {
+        mProperties = nullptr;
         return false;
     }
     NoteSharedFileRead( data );
     mData = std::move( data );
     mSource = path;
-    XFileContent local = ReadWholeFile( mLocalFile, kMostBytes );
+    XFileContent local = MMacroFileLoading::ReadFile( mLocalFile );
     mLocalDiffers = local.mError or not std::ranges::equal( local.mBytes.Span(), mData->Span() );
-    if ( mLocalDiffers and not local.mError )
+    if ( local.mError and local.mError->mCode != ENOENT )
+        KeepUnreadableFile( TextFromUTF8( local.mError->mReason ), true );
+    else if ( mLocalDiffers and not local.mError )
         mLocalBefore = std::make_shared<const MMacroFileData>( std::move( local.mBytes ) );
     NeedSave();
     return true;
@@ -157,7 +172,7 @@ bool InitialLoad::ReadSharedFile()
 
 void InitialLoad::ReadLocalFile()
 {
-    XFileContent content = ReadWholeFile( mLocalFile, kMostBytes );
+    XFileContent content = MMacroFileLoading::ReadFile( mLocalFile );
     if ( not content.mError )
     {
         mData = std::make_shared<const MMacroFileData>( std::move( content.mBytes ) );
@@ -191,7 +206,9 @@ void InitialLoad::ParseAndLoad()
     if ( not mData )
         return;
     std::string reason;
-    const auto properties = MMacroFileLoading::Parse( mData, reason );
+    auto properties = std::exchange( mProperties, nullptr );
+    if ( not properties )
+        properties = MMacroFileLoading::Parse( mData, reason );
     if ( not properties )
     {
         mData = nullptr;
@@ -217,8 +234,7 @@ void InitialLoad::ParseAndLoad()
         return KeepUnreadableFile( u"it is a property list, but no macros file" );
     }
     KVNotices::Answer( kMacrosFileWrongRoot );
-    if ( mDomain.GetMacroPreferencesVersion() < MMacroDomain::kCurrentMacroPreferencesVersion and
-        XAtomicFile::Write( KVPreferences::FilePath( u"Korvalen Macros Saved Version 8.plist" ), mData->Span() ) )
+    if ( mDomain.GetMacroPreferencesVersion() < MMacroDomain::kCurrentMacroPreferencesVersion and not BackUp( *mData ) )
         XErrorHandler::PrivateMaybeLogFormat( "always", "Failed to backup old preference file" );
 }
 

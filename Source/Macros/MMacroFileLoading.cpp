@@ -2,6 +2,7 @@
 
 #include "Actions/ActionLimits.h"
 #include "CFMethods/PropertyListCodec.h"
+#include "Defines/KVVersion.h"
 #include "Macros/KVMacroEnableOverrides.h"
 #include "Macros/MLoadObserver.h"
 #include "Macros/MMacroDomain.h"
@@ -18,6 +19,8 @@
 
 namespace
 {
+constexpr char kNoMacrosFile[] = "it is a property list, but no macros file";
+
 bool gIsSavingLatchedOff = false;
 MMacroFileDataPtr gWholeData; // what the model last equalled
 
@@ -84,6 +87,12 @@ bool KeepWhatWasLost(
     return false;
 }
 
+bool IsMacrosFile( const __SafeCFPropertyList& inValue )
+{
+    CFContainer<XPlistArray> groups;
+    return inValue.AsDictionary() and inValue.AsDictionary()->Get( CFSTR( "MacroGroups" ), groups );
+}
+
 /// For the time of a load: unless it ends well or leaves the model as it was, nothing is saved.
 class LoadBracket
 {
@@ -102,6 +111,17 @@ private:
 };
 } // namespace
 
+XFileContent MMacroFileLoading::ReadFile( const std::filesystem::path& inPath )
+{
+    constexpr std::size_t kMostBytes = std::size_t( 2 ) << 30;
+    XFileStatus facts;
+    if ( XFileCalls::Current().GetPathFacts( inPath, facts ) != 0 or facts.mKind == XFileStatus::Kind::kRegular )
+        return ReadWholeFile( inPath, kMostBytes );
+    XFileContent result;
+    result.mError = XFileError{ "read", inPath, 0, "it isn't a file", {} };
+    return result;
+}
+
 __SafeCFPropertyList MMacroFileLoading::Parse( const MMacroFileDataPtr& inData, std::string& outReason )
 {
     XPlistReadResult result = ReadPropertyList( inData->Span(), kActionsPlistLimits );
@@ -112,13 +132,28 @@ __SafeCFPropertyList MMacroFileLoading::Parse( const MMacroFileDataPtr& inData, 
 
 __SafeCFPropertyList MMacroFileLoading::ParseMacrosFile( const MMacroFileDataPtr& inData, std::string& outReason )
 {
-    const __SafeCFPropertyList value = Parse( inData, outReason );
-    CFContainer<XPlistArray> groups;
-    if ( value and value.AsDictionary() and value.AsDictionary()->Get( CFSTR( "MacroGroups" ), groups ) )
-        return value;
-    if ( value )
-        outReason = "it is a property list, but no macros file";
-    return nullptr;
+    __SafeCFPropertyList value = Parse( inData, outReason );
+    if ( value and not IsMacrosFile( value ) )
+    {
+        outReason = kNoMacrosFile;
+        value = nullptr;
+    }
+    return value;
+}
+
+MMacroFileLoading::SharedFile MMacroFileLoading::JudgeSharedFile(
+    const MMacroFileDataPtr& inData, __SafeCFPropertyList& outProperties, std::string& outReason )
+{
+    outProperties = Parse( inData, outReason );
+    if ( outProperties.AsDictionary() and
+        KVVersion::Compare( MMacroDomain::VersionFromPropertyList( outProperties ), MMacroDomain::GetOurVersion() ) >
+            0 )
+        return SharedFile::kNewer;
+    if ( outProperties and IsMacrosFile( outProperties ) )
+        return SharedFile::kTaken;
+    if ( outProperties )
+        outReason = kNoMacrosFile;
+    return SharedFile::kUnreadable;
 }
 
 bool MMacroFileLoading::Load(
@@ -131,9 +166,8 @@ bool MMacroFileLoading::Load(
     try
     {
         std::optional<KVMacroEnableOverrides> overrides;
-        CFContainer<XPlistArray> groups;
         // Taking them empties their file, which a value that throws below mustn't do.
-        if ( inValue.AsDictionary() and inValue.AsDictionary()->Get( CFSTR( "MacroGroups" ), groups ) )
+        if ( IsMacrosFile( inValue ) )
             overrides = KVMacroEnableOverrides::Get();
         const MLoadObserver::Scope scope( losses );
         domain.LoadFromPropertyList( inValue, overrides ? &*overrides : nullptr );
@@ -221,8 +255,11 @@ void MMacroPreferenceFile::ReloadAllMacros()
         XErrorBeep( "Failed to reload macros" );
         exception.Log( u"ReloadAllMacros" );
         if ( data )
+        {
             MMacroFileSaving::SetAsideBeforeWriting(
                 SetAside::Kind::kMacrosFile, data, u"the macros couldn't be loaded from it" );
+            MMacroFileAlerts::Post( MMacroFileAlerts::kMacrosLoadFailed, MacrosFilePath(), u"" );
+        }
     }
     catch ( ... )
     {

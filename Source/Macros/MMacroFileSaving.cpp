@@ -11,6 +11,7 @@
 #include "Macros/MMacroApplication.h"
 #include "Macros/MMacroDomain.h"
 #include "Macros/MMacroFileAlerts.h"
+#include "Macros/MMacroFileLoading.h"
 #include "Macros/MMacroFilesSeen.h"
 #include "Macros/MMacroPreferenceFile.h"
 #include "Macros/MRevisions.h"
@@ -30,8 +31,6 @@ namespace
 {
 using namespace MMacroFileSaving;
 
-constexpr std::size_t kMostBytes = std::size_t( 2 ) << 30;
-
 // Guards what is saved last together with the order of the queue, so that both agree whoever saves.
 std::mutex gSavedMutex;
 MMacroFileDataPtr gPrivateLastSavedData;
@@ -44,13 +43,14 @@ bool gDontNotifyEngine = false; // despite its name: true once the engine may be
 bool gNeedNotifyEngine = false;
 
 bool gSaveAllMacrosFailedQuitting = false;
+int gCopiesHeldBack = 0;
 std::atomic<bool> gSharingDisabledBecauseOfNewerVersion{ false };
 
 struct Write
 {
     XText mRevisionDate;
     MMacroFileDataPtr mOld, mNew;
-    bool mWasLocal, mIsLocal, mReload;
+    bool mWasLocal, mIsLocal, mIsCopied, mReload;
     std::uint64_t mOverridesTaken;
     XText mSaveUUID; ///< of the newest save of the model, perhaps this one
 };
@@ -118,6 +118,7 @@ public:
         (void)MeetPreconditions();
     }
     [[nodiscard]] bool CopyToRemote( const MMacroFileDataPtr& inData, const std::filesystem::path& inPath );
+    [[nodiscard]] bool HasFailed() const { return mHasFailed; }
     void AddShared( const MMacroFileDataPtr& inData ) { mShared.Add( MSeenDigests::Of( inData->Span() ) ); }
 
 private:
@@ -173,7 +174,7 @@ std::optional<XFileError> MacroDataQueue::MeetPreconditions()
 
 std::optional<XFileError> MacroDataQueue::KeepWhatReceivedBytesReplace( const Write& inWrite )
 {
-    const XFileContent there = ReadWholeFile( MMacroPreferenceFile::MacrosFilePath(), kMostBytes );
+    const XFileContent there = MMacroFileLoading::ReadFile( MMacroPreferenceFile::MacrosFilePath() );
     if ( there.mError and there.mError->mCode != ENOENT )
         return there.mError;
     std::optional<XFileError> error;
@@ -197,7 +198,7 @@ void MacroDataQueue::DidWrite( const Write& inWrite )
     KVMacroEnableOverrides::DidSave( inWrite.mOverridesTaken );
     if ( not inWrite.mIsLocal )
         AddShared( inWrite.mNew );
-    else if ( not gSharingDisabledBecauseOfNewerVersion )
+    else if ( inWrite.mIsCopied and not gSharingDisabledBecauseOfNewerVersion )
     {
         const XText shared = KVPreferences::Get( KVPreferences::kMacroSharingFileID, XText() );
         if ( not IsEmpty( shared ) )
@@ -214,7 +215,7 @@ void MacroDataQueue::DidWrite( const Write& inWrite )
 // Between the look and the write another computer may still save; there is no lock that all of them know.
 std::optional<XFileError> MacroDataQueue::KeepUnseenShare( const std::filesystem::path& inPath ) const
 {
-    const XFileContent there = ReadWholeFile( inPath, kMostBytes );
+    const XFileContent there = MMacroFileLoading::ReadFile( inPath );
     if ( there.mError )
         return there.mError->mCode == ENOENT ? std::nullopt : there.mError;
     if ( mShared.Contains( MSeenDigests::Of( there.mBytes.Span() ) ) )
@@ -249,8 +250,26 @@ void MMacroFileSaving::SaveMacroData( const XText& inRevisionDate, const MMacroF
     const std::scoped_lock lock( gSavedMutex );
     Write write{ inRevisionDate, std::exchange( gPrivateLastSavedData, inData ), inData,
         std::exchange( gPrivateLocalChange, inChange == Change::kLocal ), inChange == Change::kLocal,
-        inAfterwards == Afterwards::kReload, inOverridesTaken, MMacroDomain::LastSaveUUID() };
+        gCopiesHeldBack == 0, inAfterwards == Afterwards::kReload, inOverridesTaken, MMacroDomain::LastSaveUUID() };
     queue.Queue().Async( [&queue, write = std::move( write )] { queue.Run( write ); } );
+}
+
+MMacroFileSaving::HoldCopiesBack::HoldCopiesBack()
+{
+    ++gCopiesHeldBack;
+}
+
+MMacroFileSaving::HoldCopiesBack::~HoldCopiesBack()
+{
+    --gCopiesHeldBack;
+}
+
+bool MMacroFileSaving::WasLastWritten()
+{
+    auto& queue = TheQueue();
+    bool wasWritten = false;
+    queue.Queue().Sync( [&] { wasWritten = not queue.HasFailed(); } );
+    return wasWritten;
 }
 
 MMacroFileDataPtr MMacroFileSaving::LastSaved()

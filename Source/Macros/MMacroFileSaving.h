@@ -25,6 +25,19 @@ enum class Afterwards : std::uint8_t { kNothing, kReload };
 void SaveMacroData( const XText& inRevisionDate, const MMacroFileDataPtr& inData, Change inChange,
     Afterwards inAfterwards, std::uint64_t inOverridesTaken = 0 );
 
+/// As long as one lives, local changes are written but not copied to the shared file. Main thread.
+class HoldCopiesBack
+{
+public:
+    HoldCopiesBack();
+    ~HoldCopiesBack();
+    HoldCopiesBack( const HoldCopiesBack& ) = delete;
+    HoldCopiesBack& operator=( const HoldCopiesBack& ) = delete;
+};
+
+/// Did the last write that has run succeed? For who has just waited for the queue.
+[[nodiscard]] bool WasLastWritten();
+
 [[nodiscard]] MMacroFileDataPtr LastSaved();
 /// Bytes that were read from the macros file, or that the model was loaded from: nothing is written.
 void SetLastSaved( const MMacroFileDataPtr& inData );

@@ -1,9 +1,6 @@
 #include "Macros/MMacroPreferenceFile.h"
 
-#include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVPreferences.h"
-#include "Defines/KVVersion.h"
-#include "Defines/XFileSemaphoreLock.h"
 #include "Macros/ImportedLibraries.h"
 #include "Macros/KVMacroEnableOverrides.h"
 #include "Macros/MMacroApplication.h"
@@ -12,7 +9,6 @@
 #include "Macros/MMacroFileEncoder.h"
 #include "Macros/MMacroFileLoading.h"
 #include "Macros/MMacroFileSaving.h"
-#include "Macros/MMacroSharing.h"
 #include "Macros/MMacroFilesSeen.h"
 #include "Macros/MMacroSharing.h"
 #include "Macros/MRevisions.h"
@@ -29,7 +25,6 @@ namespace
 {
 using namespace MMacroFileSaving;
 
-constexpr std::size_t kMostBytes = std::size_t( 2 ) << 30;
 constexpr char16_t kFromShared[] = u"Korvalen Macros From Shared.plist";
 
 bool gLoadAllMacrosNeedsSave = false;
@@ -68,7 +63,7 @@ XFileContent TakeIncomingFile()
     const auto incomingPath = KVPreferences::FilePath( kFromShared );
     XAssertText( not incomingPath.empty(), "incomingPath" );
     const MMacroSharedIncomingFileLock lock;
-    XFileContent content = ReadWholeFile( incomingPath, kMostBytes );
+    XFileContent content = MMacroFileLoading::ReadFile( incomingPath );
     if ( not content.mError )
         (void)XFileCalls::Current().Unlink( incomingPath );
     return content;
@@ -88,8 +83,9 @@ void TakeIncomingChange()
         return IncomingReadFailed( content.mError->Describe() );
     const auto data = std::make_shared<const MMacroFileData>( std::move( content.mBytes ) );
     std::string reason;
-    const __SafeCFPropertyList properties = MMacroFileLoading::ParseMacrosFile( data, reason );
-    if ( not properties )
+    __SafeCFPropertyList properties;
+    const auto verdict = MMacroFileLoading::JudgeSharedFile( data, properties, reason );
+    if ( verdict == MMacroFileLoading::SharedFile::kUnreadable )
     {
         IncomingReadFailed( reason );
         SetAsideBeforeWriting( SetAside::Kind::kShareFile, data, u"a shared file that came in can't be read" );
@@ -99,7 +95,7 @@ void TakeIncomingChange()
     // 3. and 4.
     if ( MMacroFileSaving::IsSharingDisabledBecauseOfNewerVersion() )
         return;
-    if ( KVVersion::Compare( MMacroDomain::VersionFromPropertyList( properties ), MMacroDomain::GetOurVersion() ) > 0 )
+    if ( verdict == MMacroFileLoading::SharedFile::kNewer )
     {
         SetSharingDisabledBecauseOfNewerVersion( true );
         return MMacroFileAlerts::SharedFileIsNewer();
@@ -107,9 +103,13 @@ void TakeIncomingChange()
     // 5.
     if ( MMacroFilesSeen::ContainsSeen( data, true ) )
         return XErrorHandler::PrivateMaybeLogFormat( "display", "Ignoring shared file we have already seen" );
-    // 6. Edits that wait are saved first, or the reload that follows would throw them away.
+    // 6. Edits that wait are saved first, or the reload that follows would throw them away. They stay on this computer:
+    // on the share they would replace what comes in here, and each computer would end with the other's macros.
     XWork::Current().MainQueue()->Async( [data] {
-        MMacroApplication::Current().SaveAllMacrosIfNecessary();
+        {
+            const HoldCopiesBack hold;
+            MMacroApplication::Current().SaveAllMacrosIfNecessary();
+        }
         SaveMacroData( nullptr, data, Change::kReceived, Afterwards::kReload );
     } );
 }
@@ -175,11 +175,20 @@ void MMacroPreferenceFile::UndoRedoMacroData( const MMacroFileDataPtr& inData )
     WaitForQueue();
 }
 
-void MMacroPreferenceFile::SaveRemoteMacroShareFileData( const MMacroFileDataPtr& inData )
+bool MMacroPreferenceFile::SaveRemoteMacroShareFileData( const MMacroFileDataPtr& inData )
 {
     MMacroApplication::Current().SaveAllMacrosIfNecessary();
+    const auto before = LastSaved();
     SaveMacroData( nullptr, inData, Change::kReceived, Afterwards::kReload );
     WaitForQueue();
+    if ( WasLastWritten() )
+    {
+        SetSharingDisabledBecauseOfNewerVersion( false );
+        return true;
+    }
+    // Nobody joins a file that couldn't be taken, and a reload mustn't bring it all the same.
+    SetLastSaved( before );
+    return false;
 }
 
 bool MMacroPreferenceFile::CopyMacroShareFileToRemote( const std::filesystem::path& inPath )
@@ -198,18 +207,13 @@ void MMacroPreferenceFile::ProcessSharingIncomingChange()
     XWork::Current().Shared<IncomingChangeQueue>().mQueue->Async( TakeIncomingChange );
 }
 
-bool MMacroPreferenceFile::CanBeTakenOver( const MMacroFileDataPtr& inData, std::string& outReason )
-{
-    return bool( MMacroFileLoading::ParseMacrosFile( inData, outReason ) );
-}
-
 bool MMacroPreferenceFile::RevertToRevision( TextView inDate )
 {
     const auto data = MRevisions::Read( inDate );
     if ( not data )
         return false;
     std::string reason;
-    if ( not CanBeTakenOver( data, reason ) )
+    if ( not MMacroFileLoading::ParseMacrosFile( data, reason ) )
     {
         XErrorHandler::PrivateMaybeLogFormat( "always", "Can't read revision %@: %@", inDate, reason );
         return false;

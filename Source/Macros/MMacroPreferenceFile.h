@@ -32,16 +32,13 @@ void WaitForQueue();
 [[nodiscard]] MMacroFileDataPtr SavedData();
 /// Makes these bytes the macros file, and waits for the queue. The model isn't reloaded.
 void UndoRedoMacroData( const MMacroFileDataPtr& inData );
-/// The same with the bytes of a shared file, and reloads.
-void SaveRemoteMacroShareFileData( const MMacroFileDataPtr& inData );
+/// The same with the bytes of a shared file, and reloads; edits that wait are saved first, and what is replaced is set
+/// aside. Sharing that was disabled goes on. False, logged and told, when that or the write failed: then nothing was replaced.
+bool SaveRemoteMacroShareFileData( const MMacroFileDataPtr& inData );
 /// Writes the last saved bytes to a shared file; false, logged, when that failed.
 bool CopyMacroShareFileToRemote( const std::filesystem::path& inPath );
 /// The engine has placed an incoming shared file. Works on a queue of its own.
 void ProcessSharingIncomingChange();
-
-/// Can the model be loaded from these bytes? False, with a clause that says why, for what doesn't parse or is no macros
-/// file. Bytes from elsewhere are asked this before they replace anything. Any thread.
-[[nodiscard]] bool CanBeTakenOver( const MMacroFileDataPtr& inData, std::string& outReason );
 
 /// Goes back to a revision if it can be read. False when it can't: nothing was changed then.
 bool RevertToRevision( TextView inDate );

@@ -1,19 +1,14 @@
 #include "Macros/MMacroSharing.h"
 
-#include "Actions/ActionLimits.h"
 #include "Defines/KVPreferences.h"
-#include "Defines/KVVersion.h"
-#include "Defines/SetAside.h"
-#include "Macros/MMacroApplication.h"
-#include "Macros/MMacroDomain.h"
+#include "Macros/MMacroFileLoading.h"
 #include "Macros/MMacroPreferenceFile.h"
 #include "XCAF/XErrorHandler.h"
+#include "XCAF/XFileWriting.h"
 #include "XCAF/XNotificationCenter.h"
 
 namespace
 {
-constexpr std::size_t kMostFileBytes = std::size_t( 512 ) << 20;
-
 void StopIfSharing()
 {
     using MMacroSharing::IsSharing;
@@ -28,44 +23,22 @@ void Started( const std::filesystem::path& inPath )
     XNotificationCenter::PostNotification( u"KV_StartSharing", {}, true );
 }
 
-struct SharedMacros
+/// The bytes of a file that can be joined; else null, and the error text.
+MMacroFileDataPtr ReadShared( const std::filesystem::path& inPath, Text& outError )
 {
-    MMacroFileDataPtr mData;
-    __SafeCFPropertyList mProperties;
-};
-
-/// What a file holds, if that is a dictionary; else nothing, logged.
-std::optional<SharedMacros> ReadShared( const std::filesystem::path& inPath )
-{
-    XFileContent content = ReadWholeFile( inPath, kMostFileBytes );
-    std::string fault;
-    if ( content.mError )
-        fault = content.mError->Describe();
-    else if ( auto properties = ReadPropertyList( content.mBytes.Span(), kActionsPlistLimits ).mValue;
-              properties.AsDictionary() )
-        return SharedMacros{ std::make_shared<const MMacroFileData>( std::move( content.mBytes ) ), properties };
-    else
-        fault = "it isn't a dictionary in a property list";
-    XErrorHandler::PrivateMaybeLogFormat( "always", "Can't share macros by %@: %@", inPath, fault );
-    return {};
-}
-
-/// Would a load take it? A file of a newer version may have another form, so its version is asked first.
-bool IsMacrosFile( const __SafeCFPropertyList& inProperties )
-{
-    CFContainer<XPlistArray> groups;
-    return inProperties.AsDictionary()->Get( CFSTR( "MacroGroups" ), groups );
-}
-
-/// Our macros as they were saved last, and the macros file where that is something else. False when there is no copy,
-/// so that nothing may be replaced.
-bool SetOurMacrosAside()
-{
-    constexpr TextView kReason = u"macros that a shared file replaces";
-    const auto saved = MMacroPreferenceFile::SavedData();
-    if ( saved and SetAside::Keep( SetAside::Kind::kReceived, saved->Span(), kReason ) )
-        return false;
-    return not SetAside::KeepFile( SetAside::Kind::kReceived, MMacroPreferenceFile::MacrosFilePath(), kReason );
+    using enum MMacroFileLoading::SharedFile;
+    XFileContent content = MMacroFileLoading::ReadFile( inPath );
+    const bool isRead = not content.mError;
+    std::string reason = isRead ? std::string() : content.mError->Describe();
+    auto data = std::make_shared<const MMacroFileData>( std::move( content.mBytes ) );
+    __SafeCFPropertyList properties;
+    const auto verdict = isRead ? MMacroFileLoading::JudgeSharedFile( data, properties, reason ) : kUnreadable;
+    if ( verdict == kTaken )
+        return data;
+    if ( verdict == kUnreadable )
+        XErrorHandler::PrivateMaybeLogFormat( "always", "Can't share macros by %@: %@", inPath, reason );
+    outError = verdict == kNewer ? u"shared file is from a newer version" : u"failed to read file";
+    return nullptr;
 }
 } // namespace
 
@@ -83,23 +56,12 @@ Text MMacroSharing::StartSharingOpen( const std::filesystem::path& inPath )
 {
     StopIfSharing();
 
-    const auto shared = ReadShared( inPath );
+    Text error;
+    const auto shared = ReadShared( inPath, error );
     if ( not shared )
-        return u"failed to read file";
-
-    const Text version = MMacroDomain::VersionFromFileData( shared->mData->Span() );
-    if ( KVVersion::Compare( version, MMacroDomain::GetOurVersion() ) > 0 )
-        return u"shared file is from a newer version";
-    if ( not IsMacrosFile( shared->mProperties ) )
-        return u"failed to read file";
-
-    // Edits that wait for their save belong to what is set aside.
-    MMacroApplication::Current().SaveAllMacrosIfNecessary();
-    MMacroPreferenceFile::WaitForQueue();
-    if ( not SetOurMacrosAside() )
-        return u"failed to set aside the macros of this computer";
-
-    MMacroPreferenceFile::SaveRemoteMacroShareFileData( shared->mData );
+        return error;
+    if ( not MMacroPreferenceFile::SaveRemoteMacroShareFileData( shared ) )
+        return u"failed to replace the macros of this computer";
     Started( inPath );
     return {};
 }

@@ -2,6 +2,7 @@
 
 #include "Defines/KVPreferences.h"
 #include "Defines/SetAside.h"
+#include "Macros/MMacroFileLoading.h"
 #include "Macros/RevisionDates.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XFileWriting.h"
@@ -16,8 +17,6 @@ constexpr char16_t kFolder[] = u"Revisions Version 9", kFolderBefore[] = u"Revis
 // What a crash leaves of the copy has another name, so that the next start doesn't take a part for the whole.
 constexpr char16_t kFolderInTheMaking[] = u"Revisions Version 9 Being Copied";
 constexpr std::string_view kExtension = ".plist";
-constexpr std::size_t kMostBytes = std::size_t( 2 ) << 30;
-
 constexpr std::size_t kFewest = 8;      // fewer are left alone
 constexpr std::size_t kMostAtATime = 3; // as long as there aren't more than the next line says
 constexpr std::size_t kMostRevisions = 21;
@@ -50,9 +49,49 @@ bool Exists( const std::filesystem::path& inPath )
     return XFileCalls::Current().GetLinkFacts( inPath, facts ) == 0;
 }
 
+/// The copy of the older revisions hasn't begun or, its folder being there, hasn't come to its end.
+bool IsCopyWanted( const std::filesystem::path& inBefore, const std::filesystem::path& inMaking )
+{
+    return Exists( inMaking ) or ( Exists( inBefore ) and not Exists( MRevisions::Folder() ) );
+}
+
+std::optional<XFileError> RenameFolder( const std::filesystem::path& inFrom, const std::filesystem::path& inTo )
+{
+    if ( XFileCalls::Current().Rename( inFrom, inTo ) == 0 )
+        return {};
+    return XFileError{ "rename", inFrom, errno, std::strerror( errno ), {} };
+}
+
+/// Since an attempt that failed, revisions were saved: they stand, and the others come beside them.
+std::optional<XFileError> MoveWhatIsMissing( const std::filesystem::path& inFrom, const std::filesystem::path& inTo )
+{
+    XFileCalls& calls = XFileCalls::Current();
+    for ( const Text& date : ListFolder( inFrom ) )
+    {
+        const auto from = PathIn( inFrom, date );
+        if ( calls.RenameToNew( from, PathIn( inTo, date ) ) != 0 and ( errno != EEXIST or calls.Unlink( from ) != 0 ) )
+            return XFileError{ "move", from, errno, std::strerror( errno ), {} };
+    }
+    if ( calls.RemoveFolder( inFrom ) != 0 )
+        return XFileError{ "remove", inFrom, errno, std::strerror( errno ), {} };
+    return {};
+}
+
+/// The folder, and before it the one that says that older revisions have yet to be copied.
+std::optional<XFileError> MakeRevisionsFolder()
+{
+    const auto making = KVPreferences::FilePath( kFolderInTheMaking );
+    if ( IsCopyWanted( KVPreferences::FilePath( kFolderBefore ), making ) )
+    {
+        if ( auto error = MakeFolders( making ) )
+            return error;
+    }
+    return MakeFolders( MRevisions::Folder() );
+}
+
 bool HoldsOtherBytes( const std::filesystem::path& inPath, std::span<const std::uint8_t> inBytes )
 {
-    const XFileContent there = ReadWholeFile( inPath, kMostBytes );
+    const XFileContent there = MMacroFileLoading::ReadFile( inPath );
     if ( there.mError )
         return there.mError->mCode != ENOENT;
     const auto bytes = there.mBytes.Span();
@@ -103,7 +142,7 @@ MMacroFileDataPtr MRevisions::Read( TextView inDate )
 {
     if ( not IsDate( inDate ) )
         return nullptr;
-    XFileContent content = ReadWholeFile( PathOf( inDate ), kMostBytes );
+    XFileContent content = MMacroFileLoading::ReadFile( PathOf( inDate ) );
     if ( content.mError )
     {
         XErrorHandler::PrivateMaybeLogFormat( "always", "Can't read revision: %@", content.mError->Describe() );
@@ -120,11 +159,11 @@ void MRevisions::PrivateSaveRevision( TextView inDate, const MMacroFileDataPtr& 
     const auto path = PathOf( inDate );
     if ( RevisionDates::IsBeforeVersionSaveDate( inDate ) and Exists( path ) )
         return;
-    auto error = MakeFolders( Folder() );
+    auto error = MakeRevisionsFolder();
     if ( not error and not KeepTheOneThatIsReplaced( inDate, inData ) )
         error = XFileError{ "keep", path, 0, "it couldn't be set aside", {} };
     if ( not error )
-        error = XAtomicFile::Write( path, inData->Span() );
+        error = XAtomicFile::Write( path, inData->Span(), XAtomicFile::Links::kReplace );
     if ( error )
     {
         XErrorBeep( "Preference revision write failed with exception\n" );
@@ -157,24 +196,24 @@ void MRevisions::Cull( Keep inKeep )
 
 void MRevisions::CopyFromVersion8()
 {
-    const auto before = KVPreferences::FilePath( kFolderBefore );
-    if ( Exists( Folder() ) or not Exists( before ) )
+    const auto before = KVPreferences::FilePath( kFolderBefore ),
+               making = KVPreferences::FilePath( kFolderInTheMaking );
+    if ( not IsCopyWanted( before, making ) )
         return;
-    const auto making = KVPreferences::FilePath( kFolderInTheMaking );
     auto error = MakeFolders( making );
     for ( const Text& date : ListFolder( before ) )
     {
         if ( error )
             break;
-        const XFileContent content = ReadWholeFile( PathIn( before, date ), kMostBytes );
+        const XFileContent content = MMacroFileLoading::ReadFile( PathIn( before, date ) );
         // One that can't be read stays where it is; the others come across.
         if ( content.mError )
             XErrorHandler::PrivateMaybeLogFormat( "always", "Can't copy revision: %@", content.mError->Describe() );
         else
-            error = XAtomicFile::Write( PathIn( making, date ), content.mBytes.Span() );
+            error = XAtomicFile::Write( PathIn( making, date ), content.mBytes.Span(), XAtomicFile::Links::kReplace );
     }
-    if ( not error and XFileCalls::Current().Rename( making, Folder() ) != 0 )
-        error = XFileError{ "rename", making, errno, std::strerror( errno ), {} };
+    if ( not error )
+        error = Exists( Folder() ) ? MoveWhatIsMissing( making, Folder() ) : RenameFolder( making, Folder() );
     if ( error )
         XErrorHandler::PrivateMaybeLogFormat( "always", "Can't copy older revisions: %@", error->Describe() );
 }
