@@ -44,8 +44,8 @@ bool ValidateMenuItem( EditMenuItem& ioItem, bool& outIsEnabled );
 bool Undo();
 bool Redo();
 
-/// Takes up the stacks of the last run if the macros file is as it was left. Once, after the first load; the work is done
-/// on a queue, and whoever needs the stacks before it has ended waits.
+/// Takes up the stacks of the last run. A macros file that was changed since is one step more. Once, after the first load;
+/// the work is done on a queue, and whoever needs the stacks before it has ended waits.
 void LoadPersistentStacks();
 
 /// The last save of the application, after which the stacks belong to what it has written. At termination.

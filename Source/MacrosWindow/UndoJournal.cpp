@@ -1,5 +1,6 @@
 // A save hands the new state to the macros file and to the journal at once, on two queues, and the process may die between.
-// So a journal that is one step ahead of the macros file is taken that step back.
+// So a journal that is one step ahead of the macros file is taken that step back. One that is behind, by a save of which
+// it wasn't told or because somebody else replaced the macros file, ends with a step back to the state that it knows.
 #include "MacrosWindow/UndoJournal.h"
 
 #include "Defines/KVPreferences.h"
@@ -133,6 +134,31 @@ bool Follow(
     return true;
 }
 
+/// The state that the journal knows becomes a step without a title, for nobody knows what was done since.
+void StepFromPresent( const std::string& inDigest, const std::vector<SavedStates::State>& inKept, Journal& ioJournal )
+{
+    XErrorHandler::PrivateMaybeLogFormat(
+        "always", "The macros were changed since the last step of undo; going back to it is a step too" );
+    UndoEntry step = ioJournal.mPresent;
+    step.mTitle = u"";
+    const auto isStep = [&step]( const SavedStates::State& state ) { return state.mDigest == step.mDigest; };
+    if ( std::none_of( inKept.begin(), inKept.end(), isStep ) )
+    {
+        // The last save of a run isn't kept when it wrote what the one before had: that one, the newest, stands for it.
+        const auto newest = std::find_if( inKept.begin(), inKept.end(),
+            [&inDigest]( const SavedStates::State& state ) { return state.mDigest != inDigest; } );
+        if ( newest != inKept.end() )
+        {
+            step.mDigest = newest->mDigest;
+            step.mDataSize = std::size_t( newest->mSize );
+        }
+    }
+    ioJournal.mStacks.mRedo.clear();
+    auto& undo = ioJournal.mStacks.mUndo;
+    if ( undo.empty() or undo.back().mDigest != step.mDigest )
+        undo.push_back( std::move( step ) );
+}
+
 void LeaveOutMissing( const std::set<std::string>& inKept, std::deque<UndoEntry>& ioStack )
 {
     std::erase_if( ioStack, [&]( const UndoEntry& entry ) {
@@ -168,15 +194,15 @@ std::optional<UndoJournal::Stacks> UndoJournal::Read( const MMacroFileData& inPr
         return {};
     auto& [undo, redo] = journal->mStacks;
     const std::string& digest = inPresent.Digest();
-    if ( journal->mPresent.mDigest != digest and not Follow( digest, *journal, undo, redo ) and
-        not Follow( digest, *journal, redo, undo ) )
-    {
-        XErrorHandler::PrivateMaybeLogFormat(
-            "always", "The macros were changed from outside, so undo begins anew; the states are kept" );
-        return {};
-    }
+    const bool isBehind = journal->mPresent.mDigest != digest and not Follow( digest, *journal, undo, redo ) and
+        not Follow( digest, *journal, redo, undo );
+    if ( isBehind )
+        SavedStates::WaitForQueue(); // a load that makes changes has what it loaded kept
+    const std::vector<SavedStates::State> states = SavedStates::List();
+    if ( isBehind )
+        StepFromPresent( digest, states, *journal );
     std::set<std::string> kept;
-    for ( const SavedStates::State& state : SavedStates::List() )
+    for ( const SavedStates::State& state : states )
         kept.insert( state.mDigest );
     LeaveOutMissing( kept, undo );
     LeaveOutMissing( kept, redo );

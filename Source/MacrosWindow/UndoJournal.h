@@ -33,7 +33,8 @@ struct Stacks
 [[nodiscard]] std::filesystem::path Path();
 /// Writes the stacks that belong to this present state. Returns at once.
 void WriteSoon( const MMacroFileDataPtr& inPresent, Stacks inStacks );
-/// The stacks if they belong to this present state; absent otherwise, which is logged. Entries whose bytes are gone
-/// are left out. Takes as long as the digest. Any thread.
+/// The stacks as they lead to this present state: with a step more, which is logged, when the macros file was changed since
+/// they were written. Entries whose bytes are gone are left out. Absent when there is no journal that can be
+/// read. Takes as long as the digest. Any thread.
 [[nodiscard]] std::optional<Stacks> Read( const MMacroFileData& inPresent );
 } // namespace UndoJournal

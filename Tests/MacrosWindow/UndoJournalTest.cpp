@@ -54,19 +54,56 @@ TEST_F( UndoJournalTest, AnEditBeforeTheStacksAreReadStandsOnTopOfThem )
     EXPECT_EQ( Model(), "2" );
 }
 
-TEST_F( UndoJournalTest, AfterAChangeFromOutsideTheStacksBeginEmptyAndTheStatesStay )
+TEST_F( UndoJournalTest, AChangeFromOutsideIsAStepWithoutATitle )
 {
     mWorld->mWork.RunAll();
-    const auto states = SavedStates::List();
-    EXPECT_GE( states.size(), 4u );
     mFolder.Write( "Korvalen Macros.plist",
         WriteBinaryPropertyList( FileWith( { GroupWith( u"G", {}, { { "Name", Str( u"other" ) } } ) } ) ).View() );
     Restart();
-    EXPECT_EQ( UndoTitle(), "Undo (off)" );
+    EXPECT_EQ( UndoTitle(), "Undo" );
     EXPECT_EQ( RedoTitle(), "Redo (off)" );
-    EXPECT_EQ( mWorld->mLog.CountContaining( "changed from outside" ), 1u );
-    for ( const SavedStates::State& state : states )
-        EXPECT_TRUE( SavedStates::Load( state.mDigest ) );
+    EXPECT_EQ( mWorld->mLog.CountContaining( "changed since the last step of undo" ), 1u );
+    for ( const char* const state : { "2", "1", "start" } )
+    {
+        EXPECT_TRUE( MacrosWindowUndo::Undo() );
+        EXPECT_EQ( Model(), state );
+    }
+    for ( const char* const state : { "1", "2", "other" } )
+    {
+        EXPECT_TRUE( MacrosWindowUndo::Redo() );
+        EXPECT_EQ( Model(), state );
+    }
+}
+
+TEST_F( UndoJournalTest, TheLastSaveOfARunIsFoundAgainBeforeAChangeFromOutside )
+{
+    MacrosWindowUndo::FinalSaveAllMacros(); // of what was saved before, so that no state is kept of it
+    mWorld->mWork.RunAll();
+    mFolder.Write( "Korvalen Macros.plist",
+        WriteBinaryPropertyList( FileWith( { GroupWith( u"G", {}, { { "Name", Str( u"other" ) } } ) } ) ).View() );
+    Restart();
+    EXPECT_TRUE( MacrosWindowUndo::Undo() );
+    EXPECT_EQ( Model(), "2" );
+}
+
+TEST_F( UndoJournalTest, SavesThatTheJournalWasNotToldOfCostNoStep )
+{
+    mWorld->mWork.RunAll();
+    const std::string journal = mFolder.Read( "Korvalen Undo.plist" );
+    for ( int saves = 1; saves <= 2; ++saves )
+    {
+        EditAndSave( u"Rename", saves == 1 ? u"A" : u"B" );
+        mWorld->mWork.RunAll();
+        Die();
+        mFolder.Write( "Korvalen Undo.plist", journal ); // as the process left it that was killed
+        Start();
+        EXPECT_EQ( UndoTitle(), "Undo" );
+        EXPECT_EQ( MacrosWindowUndo::UndoCount(), 3u );
+        EXPECT_TRUE( MacrosWindowUndo::Undo() );
+        EXPECT_EQ( Model(), "2" );
+        EXPECT_EQ( UndoTitle(), "Undo Two" );
+        mWorld->mWork.RunAll();
+    }
 }
 
 TEST_F( UndoJournalTest, AJournalThatIsOneStepAheadOfTheFileIsTakenBack )
