@@ -65,13 +65,10 @@ public:
             return;
         }
         std::string name = UTF8FromText( inName );
+        // Who names a variable so wants it, but may have it from a macro of somebody else.
         if ( ChangesWhatRuns( name ) )
-        {
-            XErrorHandler::PrivateMaybeLogFormat( "display",
-                "Variable “%@” excluded from environment because it would change what the command runs",
-                inVariable.mName );
-            return;
-        }
+            XErrorHandler::PrivateMaybeLogFormat(
+                "display", "Variable “%@” changes what commands run", inVariable.mName );
         // The later of equal names counts.
         if ( const auto [position, isNew] = mPlaces.try_emplace( name, mEntries.size() ); not isNew )
         {

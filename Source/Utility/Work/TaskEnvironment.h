@@ -32,8 +32,8 @@ struct XTaskEnvironment
     std::vector<XTaskVariable> mVariables, mParameters;
     std::optional<Text> mInstance; ///< "KVINSTANCE"
 
-    /// The entries "NAME=value", made from the process's. Variables that change what the loader or Perl
-    /// runs are in none, wherever they come from. Together the entries stay below kMaxBytes:
+    /// The entries "NAME=value", made from the process's. Those of the process that change what the loader or Perl runs
+    /// are left out; one that the user has made, as with "ENV_LD_PRELOAD", stays, with a log line. Together the entries stay below kMaxBytes:
     /// the largest variables are replaced by a short text, then left out, with log lines.
     [[nodiscard]] std::vector<std::string> Make( const std::vector<std::string>& inProcessEnvironment ) const;
 

@@ -205,14 +205,15 @@ TEST( TaskEnvironment, VariablesAndParametersAreNamedByTheRules )
     LogCapture log;
     XTaskEnvironment environment;
     environment.mVariables = { { u"My Name", u"é €" }, { u"ENV_PATH", u"/mine" }, { u"ENV_", u"n" },
-        { u"ENV_LD_PRELOAD", u"evil" }, { Text{ u'b', char16_t( 0xD800 ) }, u"v" }, { u"a=b", u"v" },
+        { u"ENV_LD_PRELOAD", u"mine" }, { Text{ u'b', char16_t( 0xD800 ) }, u"v" }, { u"a=b", u"v" },
         { u"nul", Text( u"a\0b", 3 ) } };
     environment.mParameters = { { u"First One", u"1" } };
     environment.mInstance = u"42";
-    EXPECT_EQ( environment.Make( { "PATH=/old", "A=b", "PATH=/older", "A=c" } ),
+    EXPECT_EQ( environment.Make( { "PATH=/old", "A=b", "PATH=/older", "A=c", "LD_PRELOAD=theirs" } ),
         ( Strings{ "A=b", "KVVAR_My_Name=é €", "KVVAR_ENV_PATH=/mine", "PATH=/mine", "KVVAR_ENV_=n",
-            "KVVAR_ENV_LD_PRELOAD=evil", "KVINSTANCE=42", "KVPARAM_First_One=1" } ) );
+            "KVVAR_ENV_LD_PRELOAD=mine", "LD_PRELOAD=mine", "KVINSTANCE=42", "KVPARAM_First_One=1" } ) );
     EXPECT_EQ( log.CountContaining( "Conversion failed for: " ), 3u );
+    EXPECT_EQ( log.CountContaining( "Variable “ENV_LD_PRELOAD” changes what commands run" ), 1u );
 }
 
 TEST( TaskEnvironment, TheLargestVariablesGiveWayAndTheSizeStaysBelowItsLimit )
