@@ -1,9 +1,10 @@
 // What a write does, in this order, so that nothing is replaced that can be had nowhere else:
 //   1. what must be in Set Aside first
 //   2. the revision of the state before
-//   3. the macros file
-//   4. the shared file, after a look at what it holds
-//   5. the engine is told
+//   3. the state before among the saved states, unless the file is so large that the save would wait for long
+//   4. the macros file
+//   5. the shared file, after a look at what it holds
+//   6. the engine is told
 #include "Macros/MMacroFileSaving.h"
 
 #include "Defines/KVPreferences.h"
@@ -30,6 +31,8 @@
 namespace
 {
 using namespace MMacroFileSaving;
+
+constexpr std::size_t kMostBytesKeptFirst = 20'000'000;
 
 // Guards what is saved last together with the order of the queue, so that both agree whoever saves.
 std::mutex gSavedMutex;
@@ -103,6 +106,16 @@ bool IsSaveOfTheSame(
     return inSaveUUID.GetUTF8() == std::string( reinterpret_cast<const char*>( inNew.data() ) + begin, kUUIDSize );
 }
 
+// A process that is killed right after its save hasn't kept the state yet, and its macros file is all that has it. The next
+// save mustn't replace that, be it of this process or of the next.
+void KeepBeforeReplacing( const MMacroFileDataPtr& inOld )
+{
+    if ( not inOld or inOld->size() > kMostBytesKeptFirst )
+        return;
+    SavedStates::KeepSoonIfMissing( inOld );
+    SavedStates::WaitForQueue();
+}
+
 /// The queue, and what only its blocks touch.
 class MacroDataQueue
 {
@@ -125,7 +138,7 @@ private:
     std::optional<XFileError> MeetPreconditions();
     [[nodiscard]] static std::optional<XFileError> KeepWhatReceivedBytesReplace( const Write& inWrite );
     [[nodiscard]] std::optional<XFileError> KeepUnseenShare( const std::filesystem::path& inPath ) const;
-    void DidWrite( const Write& inWrite );
+    void DidWrite( const Write& inWrite, bool inIsNewState );
 
     std::shared_ptr<XQueue> mQueue;
     std::vector<Precondition> mPreconditions;
@@ -148,12 +161,17 @@ void MacroDataQueue::Run( const Write& inWrite )
     if ( inWrite.mWasLocal and not inWrite.mIsLocal and inWrite.mOld )
         MRevisions::PrivateSaveRevision( RevisionDates::GetBeforeSharingSyncSaveDate(), inWrite.mOld );
     MMacroFilesSeen::AddSeen( inWrite.mNew );
+    // The last save, which comes without an edit too, would otherwise push states out that differ.
+    const bool isNewState =
+        not inWrite.mOld or not IsSaveOfTheSame( inWrite.mOld->Span(), inWrite.mNew->Span(), inWrite.mSaveUUID );
+    if ( isNewState )
+        KeepBeforeReplacing( inWrite.mOld );
     if ( not error and not inWrite.mIsLocal )
         error = KeepWhatReceivedBytesReplace( inWrite );
     if ( not error )
         error = XAtomicFile::Write( MMacroPreferenceFile::MacrosFilePath(), inWrite.mNew->Span() );
     if ( not error )
-        return DidWrite( inWrite );
+        return DidWrite( inWrite, isNewState );
     mHasFailed = true;
     XErrorHandler::PrivateMaybeLogFormat( "always", "Preference write failed with error: %@; %@", error->Describe(),
         MMacroFileAlerts::RecoverySuggestion( *error ) );
@@ -189,11 +207,9 @@ std::optional<XFileError> MacroDataQueue::KeepWhatReceivedBytesReplace( const Wr
     return error;
 }
 
-void MacroDataQueue::DidWrite( const Write& inWrite )
+void MacroDataQueue::DidWrite( const Write& inWrite, bool inIsNewState )
 {
-    // The last save, which comes without an edit too, would otherwise push states out that differ.
-    if ( std::exchange( mHasFailed, false ) or not inWrite.mOld or
-        not IsSaveOfTheSame( inWrite.mOld->Span(), inWrite.mNew->Span(), inWrite.mSaveUUID ) )
+    if ( std::exchange( mHasFailed, false ) or inIsNewState )
         SavedStates::KeepSoon( inWrite.mNew );
     KVMacroEnableOverrides::DidSave( inWrite.mOverridesTaken );
     if ( not inWrite.mIsLocal )

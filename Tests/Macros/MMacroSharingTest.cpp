@@ -158,6 +158,7 @@ TEST_F( Sharing, AFileThatCantBeTakenChangesNothing )
 TEST_F( Sharing, WithoutACopyOfOurMacrosNothingIsReplaced )
 {
     mFolder.Write( "share", SharedBytes() );
+    std::filesystem::remove_all( mFolder / "Set Aside" );
     mFolder.Write( "Set Aside", "a file in the way" );
     EXPECT_NE( Open( "share" ), u"" );
     EXPECT_EQ( MacrosFile(), mOurs );
