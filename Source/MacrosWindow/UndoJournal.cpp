@@ -134,29 +134,43 @@ bool Follow(
     return true;
 }
 
-/// The state that the journal knows becomes a step without a title, for nobody knows what was done since.
-void StepFromPresent( const std::string& inDigest, const std::vector<SavedStates::State>& inKept, Journal& ioJournal )
+/// The state that the journal knows, or one that stands for it; null when its bytes are gone.
+MMacroFileDataPtr LoadPresent( const std::string& inDigest, const Journal& inJournal )
 {
+    SavedStates::WaitForQueue(); // a load that makes changes has what it loaded kept
+    const std::vector<SavedStates::State> states = SavedStates::List();
+    const auto isPresent = [&]( const SavedStates::State& state ) {
+        return state.mDigest == inJournal.mPresent.mDigest;
+    };
+    if ( std::any_of( states.begin(), states.end(), isPresent ) )
+        return SavedStates::Load( inJournal.mPresent.mDigest );
+    // The last save of a run isn't kept when it wrote what the one before had: that one, the newest, stands for it.
+    const auto newest = std::find_if( states.begin(), states.end(),
+        [&inDigest]( const SavedStates::State& state ) { return state.mDigest != inDigest; } );
+    return newest == states.end() ? nullptr : SavedStates::Load( newest->mDigest );
+}
+
+__SafeCFPropertyList GroupsIn( const MMacroFileData& inData )
+{
+    __SafeCFPropertyList groups;
+    const auto properties = ReadPropertyList( inData.Span() );
+    if ( const XPlistDictionary* const dictionary = properties.mValue.AsDictionary() )
+        (void)dictionary->Get( CFSTR( "MacroGroups" ), groups );
+    return groups;
+}
+
+/// The state that the journal knows becomes a step without a title, for nobody knows what was done since.
+void StepFromPresent( const MMacroFileData& inPresent, Journal& ioJournal )
+{
+    const MMacroFileDataPtr before = LoadPresent( inPresent.Digest(), ioJournal );
+    if ( before and GroupsIn( *before ) == GroupsIn( inPresent ) )
+        return; // saved once more, without an edit
     XErrorHandler::PrivateMaybeLogFormat(
         "always", "The macros were changed since the last step of undo; going back to it is a step too" );
-    UndoEntry step = ioJournal.mPresent;
-    step.mTitle = u"";
-    const auto isStep = [&step]( const SavedStates::State& state ) { return state.mDigest == step.mDigest; };
-    if ( std::none_of( inKept.begin(), inKept.end(), isStep ) )
-    {
-        // The last save of a run isn't kept when it wrote what the one before had: that one, the newest, stands for it.
-        const auto newest = std::find_if( inKept.begin(), inKept.end(),
-            [&inDigest]( const SavedStates::State& state ) { return state.mDigest != inDigest; } );
-        if ( newest != inKept.end() )
-        {
-            step.mDigest = newest->mDigest;
-            step.mDataSize = std::size_t( newest->mSize );
-        }
-    }
     ioJournal.mStacks.mRedo.clear();
     auto& undo = ioJournal.mStacks.mUndo;
-    if ( undo.empty() or undo.back().mDigest != step.mDigest )
-        undo.push_back( std::move( step ) );
+    if ( before and ( undo.empty() or undo.back().mDigest != before->Digest() ) )
+        undo.push_back( { u"", nullptr, nullptr, before->Digest(), before->size() } );
 }
 
 void LeaveOutMissing( const std::set<std::string>& inKept, std::deque<UndoEntry>& ioStack )
@@ -194,15 +208,11 @@ std::optional<UndoJournal::Stacks> UndoJournal::Read( const MMacroFileData& inPr
         return {};
     auto& [undo, redo] = journal->mStacks;
     const std::string& digest = inPresent.Digest();
-    const bool isBehind = journal->mPresent.mDigest != digest and not Follow( digest, *journal, undo, redo ) and
-        not Follow( digest, *journal, redo, undo );
-    if ( isBehind )
-        SavedStates::WaitForQueue(); // a load that makes changes has what it loaded kept
-    const std::vector<SavedStates::State> states = SavedStates::List();
-    if ( isBehind )
-        StepFromPresent( digest, states, *journal );
+    if ( journal->mPresent.mDigest != digest and not Follow( digest, *journal, undo, redo ) and
+        not Follow( digest, *journal, redo, undo ) )
+        StepFromPresent( inPresent, *journal );
     std::set<std::string> kept;
-    for ( const SavedStates::State& state : states )
+    for ( const SavedStates::State& state : SavedStates::List() )
         kept.insert( state.mDigest );
     LeaveOutMissing( kept, undo );
     LeaveOutMissing( kept, redo );

@@ -106,6 +106,47 @@ TEST_F( UndoJournalTest, SavesThatTheJournalWasNotToldOfCostNoStep )
     }
 }
 
+// Killed after a save, a process may not have kept what it saved; the next one mustn't replace it unkept.
+TEST_F( UndoJournalTest, WhereverTheProcessDiesTheStateThatASaveReplacesCanBeHad )
+{
+    mWorld->mWork.RunAll();
+    int replaced = 0;
+    for ( int calls = 0;; ++calls )
+    {
+        ASSERT_LT( calls, 500 );
+        Die();
+        fs::remove_all( StoreFolder() );
+        Start();
+        const std::string before = MMacroPreferenceFile::SavedData()->Digest(), name = Model();
+        mCalls.mFirst = mCalls.mCount + calls;
+        // Without an undo step, which would have the state kept too, but no sooner than its queue comes to it.
+        MMacroSerializedObject::FindMacroGroupByUID( u"G" )->SetName( TextFromUTF8( name ) + u"x" );
+        MMacroPreferenceFile::SaveAllMacros();
+        mWorld->mWork.RunAll();
+        const bool isWhole = mCalls.mCount < mCalls.mFirst;
+        mCalls.mFirst = std::numeric_limits<int>::max();
+        const bool isReplaced = File() != name;
+        replaced += isReplaced;
+        EXPECT_TRUE( not isReplaced or SavedStates::Load( before ) ) << calls;
+        if ( isWhole )
+            break;
+    }
+    EXPECT_GT( replaced, 2 );
+}
+
+TEST_F( UndoJournalTest, ASaveWithoutAnEditThatTheJournalWasNotToldOfIsNoStep )
+{
+    mWorld->mWork.RunAll();
+    const std::string journal = mFolder.Read( "Korvalen Undo.plist" );
+    MacrosWindowUndo::FinalSaveAllMacros();
+    mWorld->mWork.RunAll();
+    Die();
+    mFolder.Write( "Korvalen Undo.plist", journal );
+    Start();
+    EXPECT_EQ( UndoTitle(), "Undo Two" );
+    EXPECT_EQ( RedoTitle(), "Redo Three" );
+}
+
 TEST_F( UndoJournalTest, AJournalThatIsOneStepAheadOfTheFileIsTakenBack )
 {
     const std::string before = mFolder.Read( "Korvalen Macros.plist" );
