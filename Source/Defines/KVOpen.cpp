@@ -66,15 +66,6 @@ bool OpenFolder( const std::filesystem::path& inFolder )
     return XFileCalls::Current().GetPathFacts( inFolder, facts ) == 0 and facts.mKind == XFileStatus::Kind::kFolder and
         Platform::Current().Workspace().OpenFile( inFolder );
 }
-
-// Beside the program as it was installed: "bin/korvalen" and "share/korvalen".
-std::filesystem::path ResourcesFolder()
-{
-    std::filesystem::path program;
-    if ( XFileCalls::System().ReadLink( "/proc/self/exe", program ) != 0 )
-        return {};
-    return program.parent_path().parent_path() / "share" / "korvalen";
-}
 } // namespace
 
 bool KVOpen::kvOpen( TextView inURL )
@@ -98,9 +89,18 @@ bool KVOpen::kvOpenKeyedURL( TextView inKey )
     return kvOpenURL( kvr_localized( inKey ) );
 }
 
+// The program comes without files of its own, so the folder is made when somebody asks.
 bool KVOpen::ThirdPartyLicenses()
 {
-    return OpenFolder( ResourcesFolder() / "Third Party Licenses" );
+    const std::filesystem::path folder = KVPreferences::FilePath( u"Third Party Licenses" );
+    const std::string text = UTF8FromText( kvr_localized( u"kvThirdPartyLicensesText" ) );
+    auto error = MakeFolders( folder );
+    if ( not error )
+        error = XAtomicFile::Write( folder / "Third Party Licenses.txt",
+            { reinterpret_cast<const std::uint8_t*>( text.data() ), text.size() }, XAtomicFile::Links::kReplace );
+    if ( error )
+        XErrorHandler::PrivateMaybeLogFormat( "display", "Can't show the licences: %@", error->Describe() );
+    return not error and OpenFolder( folder );
 }
 
 bool KVOpen::LogsFolder()
