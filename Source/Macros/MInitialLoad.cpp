@@ -297,13 +297,6 @@ void InitialLoad::SeeToRevisions() const
     } );
 }
 
-// Edits that a crash kept from being saved: offered by a notice, never loaded by themselves.
-void AnnounceUnsavedEdits()
-{
-    const auto found = SetAside::List( SetAside::Kind::kRecovery );
-    if ( not found.empty() )
-        Post( kUnsavedEditsFound, found.front().mPath, u"" );
-}
 } // namespace
 
 void MMacroPreferenceFile::InitialLoadAllMacros()
@@ -312,5 +305,4 @@ void MMacroPreferenceFile::InitialLoadAllMacros()
     if ( not MMacroDomain::Get() )
         return;
     InitialLoad().Run();
-    AnnounceUnsavedEdits();
 }

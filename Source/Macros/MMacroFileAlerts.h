@@ -27,7 +27,6 @@ inline constexpr char16_t kMacrosFileNewer[] = u"MacrosFileNewer";
 inline constexpr char16_t kMacrosFileWrongRoot[] = u"MacrosFileWrongRoot";
 inline constexpr char16_t kMacrosLoadFailed[] = u"MacrosLoadFailed";
 inline constexpr char16_t kShareFileUnreadable[] = u"ShareFileUnreadable";
-inline constexpr char16_t kUnsavedEditsFound[] = u"UnsavedEditsFound";
 
 /// Posts a notice whose title and text have the localised keys of the identifier with "Title" and "Text" behind it. The
 /// text is a format for the path and the reason.

@@ -543,13 +543,3 @@ TEST_F( MacrosFileTest, AMidnightWhileASaveIsMadeDatesItByTheNewDay )
     Save();
     EXPECT_EQ( Revision( day ), lastOfTheDay );
 }
-
-TEST_F( MacrosFileTest, UnsavedEditsOfACrashAreAnnouncedAndNotLoaded )
-{
-    StartWith( CurrentFile( u"Mine" ) );
-    (void)SetAside::Keep(
-        Kind::kRecovery, DataOf( BytesOf( CurrentFile( u"Unsaved" ) ) )->Span(), u"edits wait for their save" );
-    Start();
-    EXPECT_TRUE( KVNotices::IsUnanswered( u"UnsavedEditsFound" ) );
-    EXPECT_FALSE( HasGroup( u"Unsaved" ) );
-}
