@@ -349,6 +349,8 @@ void MacrosWindowUndo::FinalSaveAllMacros()
     FinishLoading();
     MMacroPreferenceFile::FinalSaveAllMacros();
     RecoverySnapshot::NoteSave();
+    // The queues end soon, and a copy that stays would be told at the next start as edits that were lost.
+    RecoverySnapshot::WaitForQueue();
     WriteJournal();
 }
 

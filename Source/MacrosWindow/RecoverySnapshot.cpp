@@ -58,6 +58,8 @@ public:
             } );
     }
 
+    void Wait() { mQueue->Sync( [] {} ); }
+
 private:
     void Keep( const MMacroFileData& inModel )
     {
@@ -163,6 +165,11 @@ void RecoverySnapshot::NoteSave()
     gState.mIsWaiting = false;
     if ( const auto saved = MMacroPreferenceFile::SavedData() )
         TheQueue().RemoveSoon( saved );
+}
+
+void RecoverySnapshot::WaitForQueue()
+{
+    TheQueue().Wait();
 }
 
 void RecoverySnapshot::FoundAtStart()

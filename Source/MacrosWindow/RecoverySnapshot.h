@@ -21,6 +21,9 @@ void NoteEdit();
 /// Everything was handed to the writer: the copy goes when the macros file has these bytes.
 void NoteSave();
 
+/// Returns when what was asked for is written or removed.
+void WaitForQueue();
+
 /// At start, after the load: a copy whose edits aren't in the macros file is kept as edits that weren't saved, and
 /// becomes a notice.
 void FoundAtStart();
