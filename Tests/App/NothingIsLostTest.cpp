@@ -11,19 +11,12 @@
 #include "XCAF/XFileWriting.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <gmock/gmock.h>
 #include <set>
 
 namespace
 {
 using Editor = SimulatedEditor;
-
-bool IsLongRun()
-{
-    const char* const given = std::getenv( "KORVALEN_LONG_TESTS" );
-    return given and *given;
-}
 
 struct Scenario
 {
@@ -514,7 +507,7 @@ TEST( NothingIsLostTest, AFailingDiskLeavesWholeBytesATruthfulEditorAndASaveThat
         {
             // The last four differ from EMFILE in the words of the alert alone.
             const bool isLikeAnother = error == EIO or error == EDQUOT or error == EACCES or error == EROFS;
-            if ( isLikeAnother and &scenario != &Scenarios().front() and not IsLongRun() )
+            if ( isLikeAnother and &scenario != &Scenarios().front() and not Editor::IsLongRun() )
                 continue;
             for ( std::size_t point = 0; point < 2 * outcome.mCalls.size(); ++point )
             {

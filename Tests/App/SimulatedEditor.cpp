@@ -9,6 +9,7 @@
 #include "XCAF/XErrorHandler.h"
 
 #include <array>
+#include <cstdlib>
 #include <semaphore.h>
 #include <unistd.h>
 
@@ -26,6 +27,12 @@ MMacro* TheMacro()
     return MMacroSerializedObject::FindMacroByUID( TextView( SimulatedEditor::kMacroUID ) );
 }
 } // namespace
+
+bool SimulatedEditor::IsLongRun()
+{
+    const char* const given = std::getenv( "KORVALEN_LONG_TESTS" );
+    return given and *given;
+}
 
 std::string SimulatedEditor::BytesWith( TextView inName )
 {
@@ -92,6 +99,7 @@ bool SimulatedEditor::Start()
 {
     Die();
     mDisk.Restart();
+    mDisk.SetFault( std::exchange( mFaultOfStart, {} ) );
     XErrorHandler::ResetForTesting();
     mWorld = std::make_unique<ManualWorld>();
     mWorld->mClock.SetNow( mNow );

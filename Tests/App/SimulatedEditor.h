@@ -30,6 +30,9 @@ public:
     static constexpr char16_t kMacroUID[] = u"7D0C6A3E-40F5-4C57-9E0B-2F7A54B9D301";
     static constexpr double kNoon = 700056000, kDay = 86400; ///< kNoon is 2023-03-09T12:00:00Z
 
+    /// KORVALEN_LONG_TESTS asks for all that takes minutes.
+    [[nodiscard]] static bool IsLongRun();
+
     /// A macros file that loads without anything to do, with the macro of this name.
     [[nodiscard]] static std::string BytesWith( TextView inName );
     /// The macro's name in the bytes of a macros file; "unreadable" or "no macros file".
@@ -46,6 +49,8 @@ public:
 
     /// A new process, which runs until it has nothing left to do. False when another holds the folder.
     bool Start();
+    /// The next start, and what follows, meets it.
+    void SetFaultOfStart( const SimulatedDisk::Fault& inFault ) { mFaultOfStart = inFault; }
     void Quit();
     void Die();
     /// So many seconds between one process and the next, or while one runs.
@@ -78,6 +83,7 @@ private:
     Platform::Substitute mPlatformInUse{ mPlatform };
     KVAppSubsystems mSubsystems;
     double mNow = kNoon;
+    SimulatedDisk::Fault mFaultOfStart;
 
     // The process.
     std::unique_ptr<ManualWorld> mWorld;
