@@ -8,6 +8,7 @@
 #include "Macros/MMacroDomain.h"
 #include "MacrosWindow/MacroEditing.h"
 #include "Utility/Text/Localization.h"
+#include "Utility/Text/StringHelpers.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -128,13 +129,16 @@ public:
 protected:
     ExitStatus RunInEditor( VerbContext& ioContext ) final
     {
-        if ( mName.empty() )
+        // Names have no line breaks: what is checked and told has to be what it will be called.
+        const Text name = kvr_cleanName( TextFromUTF8( mName ) );
+        if ( name.empty() )
         {
             ioContext.mOutput.Complain( "a name can't be empty; give the new thing a name" );
             return ExitStatus::kWrongUsage;
         }
+        mName = UTF8FromText( name );
         EditReport report = MakeReport( ioContext.mOutput );
-        return Add( TextFromUTF8( mName ), report, ioContext.mOutput );
+        return Add( name, report, ioContext.mOutput );
     }
     [[nodiscard]] virtual ExitStatus Add( const Text& inName, EditReport& ioReport, Output& ioOutput ) = 0;
 
@@ -501,7 +505,7 @@ private:
         for ( MMacroSerializedObject* const object : inObjects )
         {
             const Text before = object->GetName();
-            const Text after = mReplace ? Replaced( before ) : TextFromUTF8( mNames.back() );
+            const Text after = kvr_cleanName( mReplace ? Replaced( before ) : TextFromUTF8( mNames.back() ) );
             if ( after != before )
                 names.emplace_back( object, after );
         }

@@ -34,14 +34,14 @@ private:
 };
 } // namespace
 
-std::optional<ExitStatus> AskTheEditor( VerbContext& ioContext )
+std::optional<ExitStatus> AskTheEditor( VerbContext& ioContext, bool inWithStandardInput )
 {
     XEditorService::Request request;
     request.mArguments = ioContext.mArguments;
     request.mWorkingFolder = ioContext.mWorkingFolder;
     request.mOutputIsTerminal = ioContext.mOutput.IsTerminal();
     request.mColours = not ioContext.mOutput.Sequence( Colour::kBold ).empty();
-    if ( std::find( request.mArguments.begin(), request.mArguments.end(), "-" ) != request.mArguments.end() )
+    if ( inWithStandardInput )
         request.mStandardInput = ioContext.mInput.Read( "-" ).View();
     const auto reply = Platform::Current().EditorService().Ask( KVPreferences::PlannedFolderPath(), request );
     if ( not reply )

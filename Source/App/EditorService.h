@@ -8,8 +8,9 @@
 #include <optional>
 
 /// Has the folder's editor run the verb that this process was started with, and prints what it says. Absent when no
-/// editor answers. The platform has to be started, as EditorSession does.
-[[nodiscard]] std::optional<ExitStatus> AskTheEditor( VerbContext& ioContext );
+/// editor answers. The platform has to be started, as EditorSession does. Standard input goes along only if the verb
+/// reads it, for it is waited for to its end.
+[[nodiscard]] std::optional<ExitStatus> AskTheEditor( VerbContext& ioContext, bool inWithStandardInput = false );
 
 /// The same for a verb that only looks: the platform is started for the moment, and no folder is made.
 [[nodiscard]] std::optional<ExitStatus> AskAnyEditor( VerbContext& ioContext );

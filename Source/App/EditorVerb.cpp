@@ -15,7 +15,7 @@ ExitStatus EditorVerb::Run( VerbContext& ioContext )
         EditorSession session( ioContext.mHost );
         if ( not session.TakeFolder() )
         {
-            const auto status = AskTheEditor( ioContext );
+            const auto status = AskTheEditor( ioContext, ReadsStandardInput() );
             return status ? *status : ComplainOfSilentEditor( ioContext.mOutput, session.Holder() );
         }
         KVAppDelegate::Options options;

@@ -143,7 +143,7 @@ ExitStatus RunKorvalen( const std::vector<std::string>& inArguments, const FileI
         std::string folder;
         SetUp( program, folder );
         for ( const auto add : { AddRunVerb, AddCheckVerb, AddMacrosFileVerbs, AddCronVerb, AddSearchVerbs,
-                  AddPropertyListVerbs, AddEditVerbs, AddTransferVerbs, AddStatusVerbs, AddRevisionVerbs,
+                  AddPropertyListVerbs, AddEditVerbs, AddImportVerb, AddExportVerb, AddStatusVerbs, AddRevisionVerbs,
                   AddSetAsideVerbs, AddShareVerb, AddPrefsVerb } )
             add( program, verbs );
         try

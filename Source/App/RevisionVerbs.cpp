@@ -240,6 +240,7 @@ public:
     explicit RevertVerb( CLI::App& ioCommand ) : EditorVerb( ioCommand )
     {
         AddDateOption( ioCommand, mDate );
+        ioCommand.add_flag( "--json", mJSON, "Print the facts as JSON" );
         ioCommand.footer(
             "All macros become what they were then. “korvalen undo” takes it back, and “before-revert” is\n"
             "the state of before.\n"
@@ -258,11 +259,20 @@ private:
         }
         else if ( not MacrosWindowUndo::RevertToRevision( revision.mDate ) )
             throw FileTrouble( revision.Words() + " can't be read as a macros file, so nothing was changed" );
-        ioContext.mOutput.Line( fmt::format( "reverted to {}  ({})", revision.mWord, revision.mTitle ) );
+        if ( not mJSON )
+        {
+            ioContext.mOutput.Line( fmt::format( "reverted to {}  ({})", revision.mWord, revision.mTitle ) );
+            return ExitStatus::kDone;
+        }
+        XMutableDictionary facts;
+        facts.SetText( CFSTR( "date" ), TextFromUTF8( revision.mWord ) );
+        facts.SetText( CFSTR( "title" ), TextFromUTF8( revision.mTitle ) );
+        ioContext.mOutput.JSON( facts.Seal() );
         return ExitStatus::kDone;
     }
 
     std::string mDate;
+    bool mJSON = false;
 };
 
 class RestoreVerb final : public EditorVerb

@@ -70,8 +70,7 @@ SavedMacros MacrosOf( const SetAside::Entry& inEntry )
 
 void AddEntryOption( CLI::App& ioCommand, std::string& ioEntry )
 {
-    ioCommand
-        .add_option( "WHAT", ioEntry, "Its first digits, as “set-aside list” shows them, or the file's name" )
+    ioCommand.add_option( "WHAT", ioEntry, "Its first digits, as “set-aside list” shows them, or the file's name" )
         ->required()
         ->type_name( "" );
 }
@@ -175,6 +174,7 @@ public:
     {
         AddEntryOption( ioCommand, mEntry );
         ioCommand.add_flag( "--dry-run,-n", mDryRun, "Only say whether it can be restored" );
+        ioCommand.add_flag( "--json", mJSON, "Print the facts as JSON" );
         ioCommand.footer( "It becomes the macros file. “korvalen undo” takes that back, and the copy stays.\n"
                           "Example: korvalen set-aside restore 3f2a" );
     }
@@ -191,6 +191,15 @@ private:
             if ( const auto fault = MacroEditing::ReplaceAllMacros( data, u"Restore" ) )
                 throw FileTrouble( fmt::format( "{} isn't restored: {}", QuotedPath( entry.mPath.native() ), *fault ) );
         }
+        if ( mJSON )
+        {
+            XMutableDictionary facts;
+            facts.SetBoolean( CFSTR( "dryRun" ), mDryRun );
+            facts.SetText( CFSTR( "digest" ), TextFromUTF8( entry.mDigest ) );
+            facts.SetInteger( CFSTR( "objects" ), std::int64_t( objects ) );
+            ioContext.mOutput.JSON( facts.Seal() );
+            return ExitStatus::kDone;
+        }
         ioContext.mOutput.Line( fmt::format( "{} {} of {}  ({})", mDryRun ? "would restore" : "restored",
             kKindTexts[std::size_t( entry.mKind )], LocalTimeText( entry.mTime ),
             Counted( objects, "group or macro", "groups and macros" ) ) );
@@ -198,7 +207,7 @@ private:
     }
 
     std::string mEntry;
-    bool mDryRun = false;
+    bool mDryRun = false, mJSON = false;
 };
 } // namespace
 

@@ -19,6 +19,21 @@ bool ComplainOfSharing( Output& ioOutput )
     return MMacroSharing::IsSharing();
 }
 
+/// What every verb that changes sharing tells.
+ExitStatus TellSharing( const std::string& inPath, bool inIsSharing, bool inAsJSON, Output& ioOutput )
+{
+    if ( inAsJSON )
+    {
+        XMutableDictionary facts;
+        facts.SetBoolean( CFSTR( "sharing" ), inIsSharing );
+        facts.SetText( CFSTR( "file" ), TextFromUTF8( inPath ) );
+        ioOutput.JSON( facts.Seal() );
+    }
+    else
+        ioOutput.Line( ( inIsSharing ? "sharing " : "no longer sharing " ) + inPath );
+    return ExitStatus::kDone;
+}
+
 class ShareCreateVerb final : public EditorVerb
 {
 public:
@@ -28,6 +43,7 @@ public:
             ->required()
             ->type_name( "" );
         ioCommand.add_flag( "--replace", mReplace, "Write over a file that is there" );
+        ioCommand.add_flag( "--json", mJSON, "Print the facts as JSON" );
         ioCommand.footer( "Example: korvalen share create /mnt/team/Macros.kvsync" );
     }
 
@@ -54,12 +70,11 @@ private:
                     QuotedPath( path ) ) );
             return ExitStatus::kFailed;
         }
-        output.Line( "sharing " + path );
-        return ExitStatus::kDone;
+        return TellSharing( path, true, mJSON, output );
     }
 
     std::string mPath;
-    bool mReplace = false;
+    bool mReplace = false, mJSON = false;
 };
 
 class ShareJoinVerb final : public EditorVerb
@@ -68,6 +83,7 @@ public:
     explicit ShareJoinVerb( CLI::App& ioCommand ) : EditorVerb( ioCommand )
     {
         ioCommand.add_option( "PATH", mPath, "The file that another computer shares" )->required()->type_name( "" );
+        ioCommand.add_flag( "--json", mJSON, "Print the facts as JSON" );
         ioCommand.footer( "Its macros take the place of yours, of which a copy is set aside.\n"
                           "Example: korvalen share join /mnt/team/Macros.kvsync" );
     }
@@ -83,15 +99,17 @@ private:
         const Text trouble = MMacroSharing::StartSharingOpen( path );
         if ( not trouble.empty() )
         {
-            output.Complain( fmt::format( "{} can't be shared, and your macros are as they were: {}",
-                QuotedPath( path ), UTF8FromText( trouble ) ) );
+            output.Complain(
+                fmt::format( "{} can't be shared, and your macros are as they were: {}; check that another "
+                             "computer shares this file, or begin with “korvalen share create”",
+                    QuotedPath( path ), UTF8FromText( trouble ) ) );
             return ExitStatus::kFailed;
         }
-        output.Line( "sharing " + path );
-        return ExitStatus::kDone;
+        return TellSharing( path, true, mJSON, output );
     }
 
     std::string mPath;
+    bool mJSON = false;
 };
 
 class ShareStopVerb final : public EditorVerb
@@ -99,6 +117,7 @@ class ShareStopVerb final : public EditorVerb
 public:
     explicit ShareStopVerb( CLI::App& ioCommand ) : EditorVerb( ioCommand )
     {
+        ioCommand.add_flag( "--json", mJSON, "Print the facts as JSON" );
         ioCommand.footer( "Your macros and the file stay as they are.\nExample: korvalen share stop" );
     }
 
@@ -107,7 +126,7 @@ private:
     {
         if ( not MMacroSharing::IsSharing() )
         {
-            ioContext.mOutput.Complain( "nothing is shared" );
+            ioContext.mOutput.Complain( "nothing is shared, so there is nothing to stop" );
             return ExitStatus::kFailed;
         }
         const std::string path = MMacroSharing::SharedFile().GetUTF8();
@@ -115,9 +134,10 @@ private:
         MacrosWindowUndo::SaveAllMacrosIfNecessary();
         MMacroPreferenceFile::WaitForQueue();
         MMacroSharing::StopSharing();
-        ioContext.mOutput.Line( "no longer sharing " + path );
-        return ExitStatus::kDone;
+        return TellSharing( path, false, mJSON, ioContext.mOutput );
     }
+
+    bool mJSON = false;
 };
 
 class ShareStatusVerb final : public Verb

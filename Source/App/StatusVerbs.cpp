@@ -117,6 +117,7 @@ class SaveVerb final : public EditorVerb
 public:
     explicit SaveVerb( CLI::App& ioCommand ) : EditorVerb( ioCommand )
     {
+        ioCommand.add_flag( "--json", mJSON, "Print the facts as JSON" );
         ioCommand.footer( "Edits are saved by themselves a second after the last one; this doesn't wait for that.\n"
                           "Example: korvalen save" );
     }
@@ -138,9 +139,19 @@ private:
                 QuotedPath( path.native() ), content.mError ? ": " + content.mError->Describe() : "" ) );
             return ExitStatus::kFailed;
         }
-        ioContext.mOutput.Line( waits ? "saved" : "everything was saved already" );
+        if ( not mJSON )
+        {
+            ioContext.mOutput.Line( waits ? "saved" : "everything was saved already" );
+            return ExitStatus::kDone;
+        }
+        XMutableDictionary facts;
+        facts.SetBoolean( CFSTR( "waited" ), waits );
+        facts.SetText( CFSTR( "file" ), TextFromUTF8( path.native() ) );
+        ioContext.mOutput.JSON( facts.Seal() );
         return ExitStatus::kDone;
     }
+
+    bool mJSON = false;
 };
 
 // ---------------------------------------------------------------- status

@@ -80,6 +80,9 @@ protected:
     /// MacrosWindowInterface::NoteChange. Paths among the arguments go through
     /// VerbContext::Resolve.
     [[nodiscard]] virtual ExitStatus RunInEditor( VerbContext& ioContext ) = 0;
+    /// Does "-" among its arguments mean standard input? It goes to a running editor with the arguments, and is read to
+    /// its end for that: a verb that doesn't read it must not wait for it.
+    [[nodiscard]] virtual bool ReadsStandardInput() const { return false; }
 };
 
 using VerbList = std::vector<std::unique_ptr<Verb>>;
@@ -120,5 +123,8 @@ void AddShareVerb( CLI::App& ioProgram, VerbList& ioVerbs );
 /// "prefs".
 void AddPrefsVerb( CLI::App& ioProgram, VerbList& ioVerbs );
 
-/// "import" and "export".
-void AddTransferVerbs( CLI::App& ioProgram, VerbList& ioVerbs );
+/// "import".
+void AddImportVerb( CLI::App& ioProgram, VerbList& ioVerbs );
+
+/// "export".
+void AddExportVerb( CLI::App& ioProgram, VerbList& ioVerbs );

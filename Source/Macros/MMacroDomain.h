@@ -74,6 +74,8 @@ public:
     /// True if any time was set.
     bool SetTimesIfNotSet();
 
+    /// The group of the same name and target, which a merge has the macros join; null if there is none.
+    [[nodiscard]] MMacroGroup* FindMergeTarget( const MMacroGroup& inGroup ) const;
     /// During an insertion. All macros of the group go to outMacros. With inMergeWithExisting they join the group
     /// of the same name and target, if there is one. inDisable turns off at the highest level that doesn't touch
     /// what was there.
@@ -112,7 +114,6 @@ private:
     void LoadVersions( const XPlistDictionary& inDictionary );
     void LoadEntry( const __SafeCFPropertyList& inEntry, const KVMacroEnableOverrides* inOverrides,
         std::vector<MMacro*>& outMacros );
-    [[nodiscard]] MMacroGroup* FindMergeTarget( const MMacroGroup& inGroup ) const;
     void MergeInto( MMacroGroup& ioFound, MMacroGroup& inGroup, bool inDisable );
 
     std::uint32_t mMacroDefaultsVersion = 0;
