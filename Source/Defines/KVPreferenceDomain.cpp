@@ -1,41 +1,25 @@
 #include "Defines/KVPreferenceDomain.h"
 
 #include "CFMethods/PropertyListCodec.h"
-#include "Utility/Work/Clock.h"
 #include "XCAF/XErrorHandler.h"
 
 #include <cerrno>
-#include <chrono>
 #include <system_error>
 
 namespace
 {
 constexpr int kMostInterruptions = 100;
-constexpr int kMostCopies = 1000;
+constexpr int kMostDamagedFiles = 3; // somebody who damages it again and again is left to it
 
 std::string WithPath( const char* inSuffix, const std::filesystem::path& inPath )
 {
     return inPath.native() + inSuffix;
 }
-
-/// "20240301T120000Z", from seconds since 2001.
-std::string UTCStamp( XAbsoluteTime inTime )
-{
-    using namespace std::chrono;
-    const sys_seconds time( sys_days( 2001y / 1 / 1 ) + seconds( std::int64_t( inTime ) ) );
-    const sys_days day = floor<days>( time );
-    const year_month_day date( day );
-    const hh_mm_ss clock( time - day );
-    char text[64];
-    (void)std::snprintf( text, sizeof( text ), "%04d%02u%02uT%02d%02d%02dZ", int( date.year() ),
-        unsigned( date.month() ), unsigned( date.day() ), int( clock.hours().count() ), int( clock.minutes().count() ),
-        int( clock.seconds().count() ) );
-    return text;
-}
 } // namespace
 
-KVPreferenceDomain::KVPreferenceDomain( std::filesystem::path inFile, XFileCalls& inCalls )
+KVPreferenceDomain::KVPreferenceDomain( std::filesystem::path inFile, Keep inKeep, XFileCalls& inCalls )
     : mFile( std::move( inFile ) ),
+      mKeep( std::move( inKeep ) ),
       mCalls( inCalls )
 {}
 
@@ -59,10 +43,42 @@ __SafeCFPropertyList KVPreferenceDomain::Get( const XKey& inKey )
     } );
 }
 
+template<class Work>
+bool KVPreferenceDomain::WriteBy( const Work& inWork )
+{
+    for ( int i = 0; i < kMostDamagedFiles; ++i )
+    {
+        Damage damage;
+        const Outcome outcome = Locked( [&] {
+            const Outcome result = inWork();
+            damage = mDamage;
+            return result;
+        } );
+        if ( outcome != Outcome::kMustKeep )
+            return outcome == Outcome::kDone;
+        if ( not SetAside( damage ) )
+            return false;
+    }
+    return false;
+}
+
+bool KVPreferenceDomain::SetAside( const Damage& inDamage )
+{
+    const auto error = mKeep ? mKeep( mFile, inDamage.mBytes->Span(), inDamage.mReason )
+                             : XFileError{ "set aside", mFile, 0, "there is no place for it", {} };
+    return Locked( [&] {
+        if ( error )
+            mNews.push_back( error->Describe() + ", and the damaged file isn't replaced without a copy" );
+        else
+            mIsKept = mDamage.mBytes == inDamage.mBytes;
+        return not error;
+    } );
+}
+
 bool KVPreferenceDomain::Set( const XKey& inKey, __SafeCFPropertyList inValue )
 {
-    return Locked( [&] {
-        mUnsaved[std::string( inKey.Name() )] = std::move( inValue );
+    return WriteBy( [&] {
+        mUnsaved[std::string( inKey.Name() )] = inValue;
         return Write();
     } );
 }
@@ -70,23 +86,32 @@ bool KVPreferenceDomain::Set( const XKey& inKey, __SafeCFPropertyList inValue )
 __SafeCFPropertyList KVPreferenceDomain::Change(
     const XKey& inKey, const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange )
 {
-    return Locked( [&] {
+    __SafeCFPropertyList result, before;
+    bool isOurs = false; // the value that waits is one that an earlier try has made, and nobody has seen yet
+    (void)WriteBy( [&] {
         XOpenFile lockFile;
         auto error = Lock( lockFile );
+        const std::string name( inKey.Name() );
+        // By now another process may have put a new file in the damaged one's place, and its value stands.
+        if ( isOurs )
+            before ? (void)( mUnsaved[name] = before ) : (void)mUnsaved.erase( name );
         Refresh();
+        const auto waiting = mUnsaved.find( name );
+        before = waiting == mUnsaved.end() ? __SafeCFPropertyList() : waiting->second;
         const __SafeCFPropertyList old = Find( inKey );
-        __SafeCFPropertyList changed = inChange( old );
-        if ( changed.Equals( old ) )
-            return old;
-        mUnsaved[std::string( inKey.Name() )] = changed;
-        (void)Succeed( error ? std::move( error ) : WriteUnderLock() );
-        return changed;
+        result = inChange( old );
+        isOurs = not result.Equals( old );
+        if ( not isOurs )
+            return Outcome::kDone;
+        mUnsaved[name] = result;
+        return error ? Failed( std::move( *error ) ) : WriteUnderLock();
     } );
+    return result;
 }
 
 bool KVPreferenceDomain::WriteUnsaved()
 {
-    return Locked( [&] { return mUnsaved.empty() or Write(); } );
+    return WriteBy( [&] { return mUnsaved.empty() ? Outcome::kDone : Write(); } );
 }
 
 __SafeCFPropertyList KVPreferenceDomain::Find( const XKey& inKey ) const
@@ -123,7 +148,8 @@ void KVPreferenceDomain::ReadFile()
 {
     mHasRead = true;
     mSettings = nullptr;
-    mDamaged = {};
+    mDamage = {};
+    mIsKept = false;
     mFault.clear();
     mOpenFile = {};
 
@@ -162,24 +188,23 @@ void KVPreferenceDomain::ReadFile()
         mSettings = CFContainer<XPlistDictionary>::Share( dictionary );
     else
     {
-        mFault = "couldn't understand “" + mFile.native() +
-            "”: " + ( result.mFault ? result.mFault->Describe() : "its root isn't a dictionary" );
-        mDamaged = std::move( content.mBytes );
+        mDamage.mReason = result.mFault ? result.mFault->Describe() : "its root isn't a dictionary";
+        mDamage.mBytes = std::make_shared<const XBytes>( std::move( content.mBytes ) );
+        mFault = "couldn't understand “" + mFile.native() + "”: " + mDamage.mReason;
     }
 }
 
-bool KVPreferenceDomain::Write()
+KVPreferenceDomain::Outcome KVPreferenceDomain::Write()
 {
     XOpenFile lockFile;
     auto error = Lock( lockFile );
-    return Succeed( error ? std::move( error ) : WriteUnderLock() );
+    return error ? Failed( std::move( *error ) ) : WriteUnderLock();
 }
 
-bool KVPreferenceDomain::Succeed( std::optional<std::string> inError )
+KVPreferenceDomain::Outcome KVPreferenceDomain::Failed( std::string inWhy )
 {
-    if ( inError )
-        mNews.push_back( std::move( *inError ) );
-    return not inError;
+    mNews.push_back( std::move( inWhy ) );
+    return Outcome::kFailed;
 }
 
 std::optional<std::string> KVPreferenceDomain::Lock( XOpenFile& outLock )
@@ -198,7 +223,7 @@ std::optional<std::string> KVPreferenceDomain::Lock( XOpenFile& outLock )
     return XFileError{ "lock", path, errno, std::generic_category().message( errno ), {} }.Describe();
 }
 
-std::optional<std::string> KVPreferenceDomain::WriteUnderLock()
+KVPreferenceDomain::Outcome KVPreferenceDomain::WriteUnderLock()
 {
     Refresh();
     XMutableDictionary dictionary;
@@ -212,36 +237,19 @@ std::optional<std::string> KVPreferenceDomain::WriteUnderLock()
     if ( settings.Equals( old ) )
     {
         mUnsaved.clear();
-        return std::nullopt;
+        return Outcome::kDone;
     }
-    if ( not mFault.empty() )
-    {
-        if ( auto error = SetDamagedFileAside() )
-            return error;
-    }
+    // What can't even be read can't be copied, and so isn't replaced either.
+    if ( not mFault.empty() and not mDamage.mBytes )
+        return Failed( mFault + "; nothing is written over it" );
+    if ( mDamage.mBytes and not mIsKept )
+        return Outcome::kMustKeep;
 
     const XBytes bytes = WriteBinaryPropertyList( settings );
     const auto error = XAtomicFile::Write( mFile, bytes.Span(), XAtomicFile::Links::kReplace, mCalls );
     mHasRead = false; // even after an error the file may be the new one
     if ( error )
-        return error->Describe();
+        return Failed( error->Describe() );
     mUnsaved.clear();
-    return std::nullopt;
-}
-
-std::optional<std::string> KVPreferenceDomain::SetDamagedFileAside()
-{
-    // What can't even be read can't be copied, and so isn't replaced either.
-    if ( not mOpenFile )
-        return mFault + "; nothing is written over it";
-    const std::string base = WithPath( ".damaged-", mFile ) + UTCStamp( XClock::Current().Now() );
-    std::filesystem::path copy = base;
-    XFileStatus facts;
-    for ( int i = 2; i < kMostCopies and mCalls.GetLinkFacts( copy, facts ) == 0; ++i )
-        copy = base + "-" + std::to_string( i );
-    if ( const auto error = XAtomicFile::Write( copy, mDamaged.Span(), XAtomicFile::Links::kReplace, mCalls ) )
-        return error->Describe() + ", and the damaged file isn't replaced without a copy";
-    mNews.push_back(
-        "copied the damaged file “" + mFile.native() + "” to “" + copy.native() + "” before writing a new one" );
-    return std::nullopt;
+    return Outcome::kDone;
 }

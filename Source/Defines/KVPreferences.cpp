@@ -2,6 +2,7 @@
 
 #include "Defines/KVNotices.h"
 #include "Defines/KVPreferenceDomain.h"
+#include "Defines/SetAside.h"
 #include "Utility/Text/Localization.h"
 #include "Utility/Work/Random.h"
 #include "Utility/Work/Work.h"
@@ -61,6 +62,18 @@ std::filesystem::path ConfigurationFolderOf( const State& inState )
     return inState.mFolder.empty() ? kvr_userFolder( "XDG_CONFIG_HOME", ".config" ) / kFolderName : inState.mFolder;
 }
 
+std::optional<XFileError> KeepDamagedFile(
+    const std::filesystem::path& inFile, std::span<const std::uint8_t> inBytes, const std::string& inReason )
+{
+    SetAside::Entry kept;
+    if ( auto error = SetAside::Keep(
+             SetAside::Kind::kPreferences, inBytes, u"a settings file that can't be understood", &kept ) )
+        return error;
+    KVNotices::Post( { u"kvPreferencesDamagedTitle", kvr_localized( u"kvPreferencesDamagedTitle" ),
+        kvr_localizedFormat( u"kvPreferencesDamagedFormat", inFile, inReason, kept.mPath ), inFile } );
+    return {};
+}
+
 KVPreferenceDomain& DomainOf( State& ioState, const PreferenceID& inID )
 {
     const std::scoped_lock lock( ioState.mMutex );
@@ -68,7 +81,8 @@ KVPreferenceDomain& DomainOf( State& ioState, const PreferenceID& inID )
     if ( found == ioState.mDomains.end() )
     {
         const std::string name( inID.Domain() );
-        auto domain = std::make_unique<KVPreferenceDomain>( ConfigurationFolderOf( ioState ) / ( name + ".plist" ) );
+        auto domain = std::make_unique<KVPreferenceDomain>(
+            ConfigurationFolderOf( ioState ) / ( name + ".plist" ), KeepDamagedFile );
         found = ioState.mDomains.emplace( name, std::move( domain ) ).first;
     }
     return *found->second;
@@ -155,6 +169,16 @@ void TellReplacedUUID( const IdentityKind& inKind, const XText& inOld, const XTe
         kvr_localizedFormat( inKind.mFormat, inOld, inNew ), {} } );
 }
 
+__SafeCFPropertyList ChangeIn( State& ioState, const PreferenceID& inID,
+    const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange )
+{
+    KVPreferenceDomain& domain = DomainOf( ioState, inID );
+    auto value = domain.Change( inID.Key(), inChange );
+    if ( not domain.WriteUnsaved() )
+        RetryLater();
+    return value;
+}
+
 XText ReadOrMakeUUID( State& ioState, const IdentityKind& inKind )
 {
     XText replaced;
@@ -165,10 +189,7 @@ XText ReadOrMakeUUID( State& ioState, const IdentityKind& inKind )
         replaced = old;
         return __SafeCFPropertyList::String( uuidString() );
     };
-    KVPreferenceDomain& domain = DomainOf( ioState, inKind.mID );
-    const auto value = domain.Change( inKind.mID.Key(), MakeIfNeeded );
-    if ( not domain.WriteUnsaved() )
-        RetryLater();
+    const auto value = ChangeIn( ioState, inKind.mID, MakeIfNeeded );
     const XText uuid = CFContainer<XPlistString>::Share( value.AsString() );
     if ( not replaced.IsEmpty() )
         TellReplacedUUID( inKind, replaced, uuid );
@@ -337,6 +358,12 @@ bool Set( const PreferenceID& inID, const std::set<Text>& inSet )
     for ( const Text& text : inSet )
         array.Append( __SafeCFPropertyList::String( text ) );
     return Set( inID, __SafeCFPropertyList( array.Seal() ) );
+}
+
+__SafeCFPropertyList Change(
+    const PreferenceID& inID, const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange )
+{
+    return ChangeIn( *CurrentState(), inID, inChange );
 }
 
 void Start()

@@ -8,6 +8,7 @@
 
 #include <concepts>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <set>
 #include <span>
@@ -105,6 +106,12 @@ bool Set( const PreferenceID& inID, Integer inValue )
     static_assert( not std::same_as<Integer, bool>, "SetBoolean stores a flag" );
     return Set( inID, std::int64_t( inValue ) );
 }
+
+/// Reads and stores in one step, so that two processes can't both find a value missing and each make one. The
+/// function gives the new value, or the old one to leave it; it mustn't log or read settings. The result is the value that
+/// stands. What can't be written is tried again, as after Set.
+__SafeCFPropertyList Change( const PreferenceID& inID,
+    const std::function<__SafeCFPropertyList( const __SafeCFPropertyList& inOld )>& inChange );
 
 /// Lets the log read its own settings, "Debug" and "AssertBeep". Once, at start-up, when the folder is known.
 void Start();

@@ -66,7 +66,13 @@ XFileSemaphoreLock::XFileSemaphoreLock( const KVPreferences::PreferenceID& inPre
 
 void XFileSemaphoreLock::InitializeSharingLockSemaphoreName( const KVPreferences::PreferenceID& inPreferenceID )
 {
-    if ( XWork::Current().Shared<InitializedNames>().Add( inPreferenceID ) and
-        not IsValidName( NameFrom( inPreferenceID ) ) )
-        KVPreferences::Set( inPreferenceID, XText( TextFromUTF8( MakeName() ) ) );
+    if ( not XWork::Current().Shared<InitializedNames>().Add( inPreferenceID ) )
+        return;
+    // The engine may do the same at this moment, and two names would be two locks that exclude nobody.
+    (void)KVPreferences::Change( inPreferenceID, []( const __SafeCFPropertyList& inOld ) {
+        const XPlistString* const old = inOld.AsString();
+        return old and IsValidName( UTF8FromText( old->GetText() ) )
+            ? inOld
+            : __SafeCFPropertyList::String( TextFromUTF8( MakeName() ) );
+    } );
 }

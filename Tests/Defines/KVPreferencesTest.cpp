@@ -3,6 +3,7 @@
 #include "CFMethods/PropertyListCodec.h"
 #include "Defines/KVNotices.h"
 #include "Defines/KVPreferenceDomain.h"
+#include "Defines/SetAside.h"
 #include "Platform/Platform.h"
 #include "Tests/Fakes/FakeAlerts.h"
 #include "Tests/Fakes/ManualWorld.h"
@@ -70,16 +71,6 @@ __SafeCFPropertyList ValueIn( const fs::path& inPath )
 {
     const std::string content = Content( inPath );
     return ReadPropertyList( { reinterpret_cast<const std::uint8_t*>( content.data() ), content.size() } ).mValue;
-}
-
-std::vector<std::string> DamagedCopies( const fs::path& inFolder )
-{
-    std::vector<std::string> names;
-    for ( const auto& entry : fs::directory_iterator( inFolder ) )
-        if ( entry.path().native().find( ".damaged-" ) != std::string::npos )
-            names.push_back( entry.path().filename() );
-    std::sort( names.begin(), names.end() );
-    return names;
 }
 
 __SafeCFPropertyList Integer( std::int64_t inValue )
@@ -362,7 +353,7 @@ TEST( KVPreferenceDomain, EachReadSeesWhatAnotherWroteLast )
 {
     const ScratchFolder folder;
     UnflushedCalls calls;
-    KVPreferenceDomain ours( folder / "d.plist", calls ), theirs( folder / "d.plist", calls );
+    KVPreferenceDomain ours( folder / "d.plist", {}, calls ), theirs( folder / "d.plist", {}, calls );
     EXPECT_FALSE( ours.Get( CFSTR( "Key" ) ) );
     // Many in a row, of one length, within a tick of the file system's clock.
     for ( int i = 100; i < 300; ++i )
@@ -391,10 +382,10 @@ TEST( KVPreferenceDomain, TwoProcessesAndTwoThreadsLoseNothing )
     const pid_t other = ::fork();
     if ( other == 0 )
     {
-        KVPreferenceDomain domain( folder / "d.plist", calls );
+        KVPreferenceDomain domain( folder / "d.plist", {}, calls );
         ::_exit( setMany( domain, "other" ) ? 0 : 1 );
     }
-    KVPreferenceDomain domain( folder / "d.plist", calls );
+    KVPreferenceDomain domain( folder / "d.plist", {}, calls );
     {
         std::jthread thread( [&] { EXPECT_TRUE( setMany( domain, "second" ) ); } );
         EXPECT_TRUE( setMany( domain, "first" ) );
@@ -439,47 +430,108 @@ TEST( KVPreferences, AFailedWriteIsTriedAgainLaterAndLaterAndToldAtTheEnd )
     EXPECT_EQ( alerts.mAlerts.size(), 1u );
 }
 
-TEST( KVPreferenceDomain, ADamagedFileReadsAsEmptyAndIsCopiedBeforeTheFirstWrite )
+TEST( KVPreferenceDomain, ADamagedFileReadsAsEmptyAndIsKeptBeforeTheFirstWrite )
 {
-    XManualClock clock( 731030400.5 ); // 2024-03-02 00:00:00 UTC
-    const XClock::Substitute substitute( clock );
     const ScratchFolder folder;
     const fs::path file = folder / "d.plist";
-    const std::string kDamaged[] = { "bplist00 is not all", std::string( 3, '\0' ), "" };
-    std::size_t copies = 0;
-    for ( const std::string& damaged : kDamaged )
+    const std::string notADictionary( WriteBinaryPropertyList( Integer( 1 ) ).View() );
+    for ( const std::string& damaged :
+        { std::string( "bplist00 is not all" ), std::string( 3, '\0' ), std::string(), notADictionary } )
     {
         LogCapture lines;
         Put( file, damaged );
-        KVPreferenceDomain domain( file );
+        std::vector<std::string> kept;
+        KVPreferenceDomain* self = nullptr;
+        KVPreferenceDomain domain(
+            file, [&]( const fs::path& inFile, std::span<const std::uint8_t> inBytes, const std::string& inReason ) {
+                EXPECT_EQ( inFile, file );
+                EXPECT_EQ( Content( file ), damaged );
+                EXPECT_NE( inReason, "" );
+                EXPECT_EQ( self->Get( CFSTR( "Key" ) ), Integer( 1 ) ) << "what logs may read settings";
+                kept.emplace_back( inBytes.begin(), inBytes.end() );
+                return std::optional<XFileError>();
+            } );
+        self = &domain;
         EXPECT_FALSE( domain.Get( CFSTR( "Key" ) ) );
         EXPECT_TRUE( domain.Set( CFSTR( "Key" ), nullptr ) ); // nothing to remove, so nothing to write
         EXPECT_EQ( Content( file ), damaged );
-        EXPECT_EQ( DamagedCopies( folder.Path() ).size(), copies );
+        EXPECT_TRUE( kept.empty() );
 
         EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 1 ) ) );
         EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 2 ) ) );
         EXPECT_EQ( domain.Get( CFSTR( "Key" ) ), Integer( 2 ) );
-        const auto names = DamagedCopies( folder.Path() );
-        ASSERT_EQ( names.size(), ++copies );
-        const auto logged = lines.Take();
-        ASSERT_EQ( logged.size(), 2u ); // why it can't be understood, and where the copy is
-        EXPECT_NE( logged[1].find( names.back() ), std::string::npos ) << logged[1];
-        EXPECT_TRUE( names.back().starts_with( "d.plist.damaged-20240302T000000Z" ) ) << names.back();
-        EXPECT_EQ( Content( folder.Path() / names.back() ), damaged );
+        EXPECT_EQ( kept, std::vector<std::string>{ damaged } );
+        EXPECT_EQ( lines.Take().size(), 1u ); // why it can't be understood
     }
 }
 
-TEST( KVPreferenceDomain, ARootThatIsNoDictionaryCountsAsDamage )
+TEST( KVPreferenceDomain, ADamagedFileThatCannotBeKeptIsNotReplaced )
 {
     const ScratchFolder folder;
-    const XBytes bytes = WriteBinaryPropertyList( Integer( 1 ) );
-    Put( folder / "d.plist", bytes.View() );
-    KVPreferenceDomain domain( folder / "d.plist" );
-    EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 1 ) ) );
-    const auto names = DamagedCopies( folder.Path() );
-    ASSERT_EQ( names.size(), 1u );
-    EXPECT_EQ( Content( folder.Path() / names.front() ), bytes.View() );
+    const fs::path file = folder / "d.plist";
+    Put( file, "damaged" );
+    bool isFull = true;
+    KVPreferenceDomain domain( file, [&]( const fs::path&, std::span<const std::uint8_t>, const std::string& ) {
+        return isFull ? std::optional( XFileError{ "write", "aside", ENOSPC, "no space", {} } ) : std::nullopt;
+    } );
+    for ( int i = 0; i < 2; ++i )
+    {
+        EXPECT_FALSE( domain.Set( CFSTR( "Key" ), Integer( i ) ) );
+        EXPECT_EQ( Content( file ), "damaged" );
+        EXPECT_EQ( domain.Get( CFSTR( "Key" ) ), Integer( i ) );
+    }
+    isFull = false;
+    EXPECT_TRUE( domain.WriteUnsaved() );
+    EXPECT_EQ( KVPreferenceDomain( file ).Get( CFSTR( "Key" ) ), Integer( 1 ) );
+}
+
+TEST( KVPreferenceDomain, WhoeverMendsADamagedFileFirstMakesTheValueThatBothUse )
+{
+    const ScratchFolder folder;
+    const fs::path file = folder / "d.plist";
+    Put( file, "damaged" );
+    KVPreferenceDomain domain( file, [&]( const fs::path&, std::span<const std::uint8_t>, const std::string& ) {
+        fs::remove( file );
+        EXPECT_TRUE( KVPreferenceDomain( file ).Set( CFSTR( "Name" ), Integer( 1 ) ) ); // another process
+        return std::optional<XFileError>();
+    } );
+    const auto MakeIfMissing = []( const __SafeCFPropertyList& inOld ) { return inOld ? inOld : Integer( 2 ); };
+    EXPECT_EQ( domain.Change( CFSTR( "Name" ), MakeIfMissing ), Integer( 1 ) );
+    EXPECT_EQ( KVPreferenceDomain( file ).Get( CFSTR( "Name" ) ), Integer( 1 ) );
+    EXPECT_TRUE( domain.Set( CFSTR( "Other" ), Integer( 3 ) ) );
+    EXPECT_EQ( domain.Get( CFSTR( "Name" ) ), Integer( 1 ) );
+}
+
+TEST( KVPreferences, ADamagedFileIsSetAsideAndToldOnce )
+{
+    ManualWorld world;
+    FakeAlerts alerts;
+    Platform platform;
+    platform.SetAlerts( alerts );
+    const Platform::Substitute inUse( platform );
+    const OwnSettings settings;
+    for ( const std::string_view domain : { KVPreferences::kEditorDomain, KVPreferences::kEngineDomain } )
+    {
+        KVNotices::AnswerAll();
+        alerts.mNotifications.clear();
+        const fs::path file = settings.mFolder.Path() / ( std::string( domain ) + ".plist" );
+        const std::string damaged = "damaged " + std::string( domain );
+        Put( file, damaged );
+        const KVPreferences::PreferenceID id{ domain, "Some" };
+        EXPECT_TRUE( KVPreferences::Set( id, u"a" ) );
+        EXPECT_TRUE( KVPreferences::Set( id, u"b" ) );
+        world.mWork.RunAll();
+        EXPECT_EQ( KVPreferences::Get( id, u"" ), TextView( u"b" ) );
+        const auto kept = SetAside::List( SetAside::Kind::kPreferences );
+        ASSERT_GE( kept.size(), 1u );
+        EXPECT_EQ( Content( kept[0].mPath ), damaged );
+        const auto notices = KVNotices::Unanswered();
+        ASSERT_EQ( notices.size(), 1u );
+        EXPECT_EQ( notices[0].mPath, file );
+        for ( const std::string& part : { file.native(), kept[0].mPath.native() } )
+            EXPECT_NE( notices[0].mText.find( TextFromUTF8( part ) ), Text::npos ) << part;
+        EXPECT_EQ( alerts.mNotifications.size(), 1u );
+    }
 }
 
 TEST( KVPreferenceDomain, WhatCannotBeReadIsNeitherWaitedForNorReplaced )
@@ -505,7 +557,7 @@ TEST( KVPreferenceDomain, AValueThatCouldNotBeWrittenHoldsAndGoesWithTheNextWrit
     ASSERT_TRUE( others.Set( CFSTR( "Old" ), Integer( 1 ) ) );
     const std::string before = Content( file );
     FullDisk disk;
-    KVPreferenceDomain domain( file, disk );
+    KVPreferenceDomain domain( file, {}, disk );
     EXPECT_FALSE( domain.Set( CFSTR( "New" ), Integer( 2 ) ) );
     EXPECT_FALSE( domain.Set( CFSTR( "Old" ), nullptr ) );
     EXPECT_FALSE( domain.WriteUnsaved() );
@@ -527,7 +579,10 @@ TEST( KVPreferenceDomain, PlantedLinksAreNotFollowedForWriting )
     const fs::path victim = folder / "victim";
     Put( victim, "bplist00 precious" );
     fs::create_symlink( victim, folder / "d.plist" );
-    KVPreferenceDomain domain( folder / "d.plist" );
+    KVPreferenceDomain domain(
+        folder / "d.plist", []( const fs::path&, std::span<const std::uint8_t>, const std::string& ) {
+            return std::optional<XFileError>();
+        } );
     EXPECT_TRUE( domain.Set( CFSTR( "Key" ), Integer( 1 ) ) );
     EXPECT_EQ( Content( victim ), "bplist00 precious" );
     EXPECT_FALSE( fs::is_symlink( folder / "d.plist" ) );

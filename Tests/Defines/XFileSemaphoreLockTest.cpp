@@ -7,6 +7,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <regex>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -74,4 +76,35 @@ TEST_F( SemaphoreLock, WithoutANameNothingIsHeldAndNobodyWaits )
     const XFileSemaphoreLock a( kNameID ), b( kNameID );
     EXPECT_EQ( mWorld.mLog.CountAssertions( "sharinglockname" ), 2u );
     EXPECT_EQ( mSleep.mCount, 0 );
+}
+
+TEST_F( SemaphoreLock, ProcessesThatMakeTheNameAtOneMomentAgree )
+{
+    // Each child is held by the pipe, and all go when it closes.
+    int gate[2] = {};
+    ASSERT_EQ( ::pipe( gate ), 0 );
+    std::vector<pid_t> children;
+    for ( int i = 0; i < 6; ++i )
+    {
+        const pid_t child = ::fork();
+        if ( child == 0 )
+        {
+            ::close( gate[1] );
+            char end = 0;
+            (void)( ::read( gate[0], &end, 1 ) == 0 );
+            KVPreferences::UseFolder( mFolder.Path() );
+            XFileSemaphoreLock::InitializeSharingLockSemaphoreName( kNameID );
+            mFolder.Write( "name" + std::to_string( i ), Name() );
+            ::_exit( 0 );
+        }
+        children.push_back( child );
+    }
+    ::close( gate[0] );
+    ::close( gate[1] );
+    for ( const pid_t child : children )
+        ::waitpid( child, nullptr, 0 );
+    const std::string name = Name();
+    EXPECT_EQ( name.size(), 14u );
+    for ( std::size_t i = 0; i < children.size(); ++i )
+        EXPECT_EQ( mFolder.Read( "name" + std::to_string( i ) ), name ) << i;
 }
