@@ -74,6 +74,7 @@ public:
             [&]( const auto& inProcess ) { return inProcess->mNumber == inNumber and inProcess->mIsRunning; } );
     }
     [[nodiscard]] std::optional<std::filesystem::path> EngineExecutable() const override { return mEngine; }
+    [[nodiscard]] std::filesystem::path OwnExecutable() const override { return mOwn; }
     [[nodiscard]] std::optional<Text> Launch( const std::filesystem::path& inExecutable ) override
     {
         mLaunched.push_back( inExecutable );
@@ -82,6 +83,7 @@ public:
 
     Text mBundleIdentifier = u"com.tessarine.korvalen.engine"; ///< of all of them
     std::optional<std::filesystem::path> mEngine;
+    std::filesystem::path mOwn;
     std::vector<std::shared_ptr<FakeRunningApplication>> mProcesses;
     std::vector<std::filesystem::path> mLaunched;
     std::optional<Text> mLaunchFailure;

@@ -6,6 +6,7 @@
 #include "Platform/Linux/EngineProcesses.h"
 
 #include <map>
+#include <unistd.h>
 
 class LinuxRunningApplications final : public XRunningApplications
 {
@@ -20,6 +21,10 @@ public:
     [[nodiscard]] std::vector<std::shared_ptr<XRunningApplication>> RunningApplications(
         TextView inBundleIdentifier ) const override;
     [[nodiscard]] bool ProcessExists( std::int64_t inProcessIdentifier ) const override;
+    [[nodiscard]] std::filesystem::path OwnExecutable() const override
+    {
+        return ProcessFacts::Executable( ::getpid() );
+    }
     [[nodiscard]] std::optional<std::filesystem::path> EngineExecutable() const override
     {
         return EngineProcesses::OwnExecutable();
