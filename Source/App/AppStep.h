@@ -2,6 +2,8 @@
 // this build doesn't have: those are asked all the same, at their point, and do nothing.
 #pragma once
 
+#include "CFMethods/PropertyList.h"
+
 #include <cstdint>
 #include <iterator>
 #include <string_view>
@@ -92,13 +94,18 @@ inline constexpr std::string_view kAppStepNames[] = { "SetInitialDarkMode", "Log
     "VariablesFinish", "KeyMonitorFinish", "TesseractDownloadFinish", "FinishPerformCoalesced" };
 static_assert( std::size( kAppStepNames ) == std::size_t( AppStep::kFinishPerformCoalesced ) + 1 );
 
-/// The parts of the application that aren't built here. Each step is offered to it, in the order of the enumeration, before
-/// the program does what it has to do itself. Main thread.
+/// The parts of the application that aren't built here. Each step that is taken is offered to it, in the order of the
+/// enumeration, before the program does what it has to do itself; one that a setting has to ask for isn't taken without
+/// it, and what opens a window of the inspector or of the welcome waits for the next turn of the main queue. Main thread.
 class KVAppSubsystems
 {
 public:
     virtual ~KVAppSubsystems() = default;
     virtual void Take( AppStep /*inStep*/ ) {}
+    /// Another process has changed how windows look; the dictionary, which may be null, says to what.
+    virtual void AppearancePreferenceChanged( const CFContainer<XPlistDictionary>& /*inUserInfo*/ ) {}
+    /// The engine wants the user to be reminded of the licence.
+    virtual void NagNow() {}
     /// A version that is too old doesn't start.
     [[nodiscard]] virtual bool IsExpired( int /*inDays*/, int /*inLevel*/ ) { return false; }
     /// The licence reminder's decision.

@@ -60,6 +60,12 @@ void EditorSession::Start( const KVAppDelegate::Options& inOptions )
             "start with “korvalen run --begin-anew”, which sets it aside first",
             QuotedPath( MMacroPreferenceFile::MacrosFilePath().string() ), UTF8FromText( exception.GetMessage() ) ) );
     }
+    catch ( ... )
+    {
+        // What is there of the macros isn't what would have been loaded: nothing of it may be saved at the end.
+        mDelegate.reset();
+        throw;
+    }
     // For one verb the engine is left as it is; if it runs, it has to hear of what is saved.
     if ( inOptions.mIsForOneVerb )
         MMacroPreferenceFile::InitialEngineFinishedRelaunching();

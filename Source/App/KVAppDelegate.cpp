@@ -52,6 +52,17 @@ Text ExtensionOf( const std::filesystem::path& inFile )
     const std::string extension = inFile.extension().native();
     return TextFromUTF8( extension.empty() ? extension : extension.substr( 1 ) );
 }
+
+template<const KVPreferences::PreferenceID& inID, bool inDefault>
+bool IsSet()
+{
+    return KVPreferences::GetBoolean( inID, inDefault );
+}
+constexpr auto& kShowsDevelopMenu = IsSet<KVPreferences::kShowDevelopMenuID, false>;
+constexpr auto& kRunsUnitTests = IsSet<KVPreferences::kRunUnitTestsID, false>;
+constexpr auto& kOpensValueInspector = IsSet<KVPreferences::kValueInspectorOpenID, false>;
+constexpr auto& kDisplaysWelcomeWindow = IsSet<KVPreferences::kDisplayWelcomeWindowID, true>;
+constexpr auto& kWritesHelpFiles = IsSet<KVPreferences::kWriteHelpFilesID, false>;
 } // namespace
 
 // The order is a promise to every part that is named here.
@@ -60,7 +71,7 @@ const KVAppDelegate::Row KVAppDelegate::kWillFinish[] = {
     { AppStep::kLogStarting, &KVAppDelegate::LogStarting },
     { AppStep::kRouteDatabaseLog, nullptr },
     { AppStep::kLoadFrequentIcons, &KVAppDelegate::LoadFrequentIcons },
-    { AppStep::kShowDevelopMenu, nullptr },
+    { AppStep::kShowDevelopMenu, nullptr, kShowsDevelopMenu },
     { AppStep::kRemoveBogusDotDatFiles, &KVAppDelegate::RemoveBogusDotDatFiles },
     { AppStep::kMacUUID, &KVAppDelegate::ReadMacUUID },
     { AppStep::kTimeSavedStart, &KVAppDelegate::StartTimeSaved },
@@ -77,16 +88,16 @@ const KVAppDelegate::Row KVAppDelegate::kWillFinish[] = {
     { AppStep::kUsageSortOrderStart, nullptr },
     { AppStep::kDictionaryStart, nullptr },
     { AppStep::kTesseractDownloadStart, nullptr },
-    { AppStep::kRunUnitTests, nullptr },
+    { AppStep::kRunUnitTests, nullptr, kRunsUnitTests },
 };
 
 const KVAppDelegate::Row KVAppDelegate::kDidFinish[] = {
     { AppStep::kBecomeNotificationDelegate, nullptr },
     { AppStep::kAppDetailsStart, &KVAppDelegate::StartAppDetails },
     { AppStep::kLicenceReminder, &KVAppDelegate::CheckLicence },
-    { AppStep::kOpenValueInspector, nullptr },
+    { AppStep::kOpenValueInspector, nullptr, kOpensValueInspector, true },
     { AppStep::kMacrosWindowStart, &KVAppDelegate::StartMacrosWindow },
-    { AppStep::kOpenWelcomeWindow, nullptr },
+    { AppStep::kOpenWelcomeWindow, nullptr, kDisplaysWelcomeWindow, true },
     { AppStep::kMacrosWindowDidFinishLaunching, &KVAppDelegate::MacrosWindowDidFinishLaunching },
     { AppStep::kScheduleEngine, &KVAppDelegate::ScheduleEngine },
     { AppStep::kPrecacheApplications, nullptr },
@@ -94,9 +105,9 @@ const KVAppDelegate::Row KVAppDelegate::kDidFinish[] = {
     { AppStep::kInsertActionMenu, nullptr },
     { AppStep::kEnsureCorrectDaemonLoginStatus, &KVAppDelegate::EnsureCorrectDaemonLoginStatus },
     { AppStep::kScrollWheelStart, nullptr },
-    { AppStep::kWriteHelpFiles, nullptr },
+    { AppStep::kWriteHelpFiles, nullptr, kWritesHelpFiles },
     { AppStep::kCheckDiagnostics, &KVAppDelegate::CheckDiagnostics },
-    { AppStep::kLintActionEditors, nullptr },
+    { AppStep::kLintActionEditors, nullptr, kShowsDevelopMenu },
     { AppStep::kRegisterMenus, nullptr },
 };
 
@@ -146,6 +157,7 @@ KVAppDelegate::~KVAppDelegate()
     ClipboardReference::SetAskForReload( {} );
     // After a start that failed: what would have been done at the end mustn't reach the next one.
     XNotificationCenter::RemoveEveryCocoaObserver( this );
+    HTimeSaved::Stop();
     mMacroDomain.reset();
     MacrosWindowUndo::Reset();
     RecoverySnapshot::Reset();
@@ -159,6 +171,14 @@ KVAppDelegate* KVAppDelegate::appDelegate()
 
 void KVAppDelegate::Take( const Row& inRow )
 {
+    if ( inRow.mIsWanted and not inRow.mIsWanted() )
+        return;
+    if ( inRow.mIsOnNextTurn )
+    {
+        XWork::Current().MainQueue()->Async(
+            UnlessTerminating( [this, step = inRow.mStep] { mSubsystems.Take( step ); } ) );
+        return;
+    }
     mSubsystems.Take( inRow.mStep );
     if ( inRow.mOwn )
         ( this->*inRow.mOwn )();
@@ -170,12 +190,17 @@ void KVAppDelegate::Take( std::span<const Row> inRows )
         Take( row );
 }
 
+XBlock KVAppDelegate::UnlessTerminating( XBlock inStep )
+{
+    return [this, step = std::move( inStep ), presence = std::weak_ptr<int>( mPresence )] {
+        if ( not presence.expired() and not mIsTerminating )
+            step();
+    };
+}
+
 void KVAppDelegate::RunLater( double inSeconds, void ( KVAppDelegate::*inStep )() )
 {
-    XWork::Current().MainQueue()->After( inSeconds, [this, inStep, presence = std::weak_ptr<int>( mPresence )] {
-        if ( not presence.expired() and not mIsTerminating )
-            ( this->*inStep )();
-    } );
+    XWork::Current().MainQueue()->After( inSeconds, UnlessTerminating( [this, inStep] { ( this->*inStep )(); } ) );
 }
 
 bool KVAppDelegate::CheckBeforeStart()
@@ -238,7 +263,7 @@ void KVAppDelegate::ReadMacUUID()
 
 void KVAppDelegate::StartTimeSaved()
 {
-    HTimeSaved::Start();
+    HTimeSaved::Start( MacrosWindowInterface::DoResortForMacroStatsChanged );
 }
 
 void KVAppDelegate::MigrateStatusMenuDisplayType()
@@ -255,10 +280,13 @@ void KVAppDelegate::MigrateStatusMenuDisplayType()
     (void)KVPreferences::Remove( KVPreferences::kDefunctFixFinderSelectionBugID );
 }
 
-void KVAppDelegate::Observe( TextView inName, void ( KVAppDelegate::*inHandler )() )
+void KVAppDelegate::Observe(
+    TextView inName, void ( KVAppDelegate::*inHandler )( const XNotificationCenter::Notification& ) )
 {
     XNotificationCenter::AddCocoaObserver(
-        this, inName, [this, inHandler]( const XNotificationCenter::Notification& ) { ( this->*inHandler )(); } );
+        this, inName, [this, inHandler]( const XNotificationCenter::Notification& inNotification ) {
+            ( this->*inHandler )( inNotification );
+        } );
 }
 
 void KVAppDelegate::Subscribe()
@@ -288,6 +316,7 @@ void KVAppDelegate::InitialLoadAllMacros()
 {
     MMacroPreferenceFile::SetBeginAnew( mOptions.mBeginAnew );
     MMacroPreferenceFile::InitialLoadAllMacros();
+    mIsLoaded = true;
     MacrosWindowUndo::LoadPersistentStacks();
     RecoverySnapshot::FoundAtStart();
     SetAside::Cull();
@@ -454,7 +483,8 @@ void KVAppDelegate::FinishDeferredJobs()
 
 void KVAppDelegate::FinalSaveAllMacros()
 {
-    MacrosWindowUndo::FinalSaveAllMacros();
+    if ( mIsLoaded )
+        MacrosWindowUndo::FinalSaveAllMacros();
     SavedStates::WaitForQueue();
 }
 
@@ -487,45 +517,45 @@ void KVAppDelegate::FinishPerformCoalesced()
 
 // What other processes say.
 
-void KVAppDelegate::DidGetNagNow()
+void KVAppDelegate::DidGetNagNow( const XNotificationCenter::Notification& )
 {
-    mSubsystems.Take( AppStep::kLicenceReminder );
+    mSubsystems.NagNow();
 }
 
-void KVAppDelegate::DidGetVersionCheckError()
+void KVAppDelegate::DidGetVersionCheckError( const XNotificationCenter::Notification& )
 {
     ErrorAlert::Error( nullptr, u"ManualSIVCErrorTitle", u"ManualSIVCErrorStr" );
 }
 
-void KVAppDelegate::DidGetNoNewVersion()
+void KVAppDelegate::DidGetNoNewVersion( const XNotificationCenter::Notification& )
 {
     ErrorAlert::Error( nullptr, u"ManualSIVCNoNewVersionTitle", u"ManualSIVCNoNewVersionStr" );
 }
 
-void KVAppDelegate::DidFailToInstall()
+void KVAppDelegate::DidFailToInstall( const XNotificationCenter::Notification& )
 {
     ErrorAlert::Error( nullptr, u"InstallFailedTitle", u"InstallFailedStr" );
 }
 
-void KVAppDelegate::DidGetQuitEditor()
+void KVAppDelegate::DidGetQuitEditor( const XNotificationCenter::Notification& )
 {
     XErrorHandler::PrivateMaybeLogFormat( "Quit", "Received kQuitEditor notification event" );
     terminate();
 }
 
-void KVAppDelegate::DidGetSetMacroEnable()
+void KVAppDelegate::DidGetSetMacroEnable( const XNotificationCenter::Notification& )
 {
     EngineCommands::SetMacroEnable();
 }
 
-void KVAppDelegate::DidGetSharingIncomingChange()
+void KVAppDelegate::DidGetSharingIncomingChange( const XNotificationCenter::Notification& )
 {
     MMacroPreferenceFile::ProcessSharingIncomingChange();
 }
 
-void KVAppDelegate::DidGetAppearanceChange()
+void KVAppDelegate::DidGetAppearanceChange( const XNotificationCenter::Notification& inNotification )
 {
-    mSubsystems.Take( AppStep::kSetInitialDarkMode );
+    mSubsystems.AppearancePreferenceChanged( inNotification.mUserInfo );
 }
 
 // For others.

@@ -6,6 +6,8 @@
 #include "CFMethods/Text.h"
 #include "Macros/MMacroApplication.h"
 #include "MacrosWindow/EngineCommands.h"
+#include "Utility/Work/Work.h"
+#include "XCAF/XNotificationCenter.h"
 
 #include <atomic>
 #include <filesystem>
@@ -72,13 +74,16 @@ private:
     {
         AppStep mStep;
         void ( KVAppDelegate::*mOwn )();
+        bool ( *mIsWanted )() = nullptr; ///< null for a step that is always taken
+        bool mIsOnNextTurn = false;      ///< of the main queue
     };
     static const Row kWillFinish[], kDidFinish[], kDeferred[], kWillTerminate[];
 
     void Take( std::span<const Row> inRows );
     void Take( const Row& inRow );
+    [[nodiscard]] XBlock UnlessTerminating( XBlock inStep );
     void RunLater( double inSeconds, void ( KVAppDelegate::*inStep )() );
-    void Observe( TextView inName, void ( KVAppDelegate::*inHandler )() );
+    void Observe( TextView inName, void ( KVAppDelegate::*inHandler )( const XNotificationCenter::Notification& ) );
 
     void LogStarting();
     void LoadFrequentIcons();
@@ -123,14 +128,14 @@ private:
     void ReloadSoon();
     void ReloadAsAsked();
 
-    void DidGetNagNow();
-    void DidGetVersionCheckError();
-    void DidGetNoNewVersion();
-    void DidFailToInstall();
-    void DidGetQuitEditor();
-    void DidGetSetMacroEnable();
-    void DidGetSharingIncomingChange();
-    void DidGetAppearanceChange();
+    void DidGetNagNow( const XNotificationCenter::Notification& inNotification );
+    void DidGetVersionCheckError( const XNotificationCenter::Notification& inNotification );
+    void DidGetNoNewVersion( const XNotificationCenter::Notification& inNotification );
+    void DidFailToInstall( const XNotificationCenter::Notification& inNotification );
+    void DidGetQuitEditor( const XNotificationCenter::Notification& inNotification );
+    void DidGetSetMacroEnable( const XNotificationCenter::Notification& inNotification );
+    void DidGetSharingIncomingChange( const XNotificationCenter::Notification& inNotification );
+    void DidGetAppearanceChange( const XNotificationCenter::Notification& inNotification );
 
     const Options mOptions;
     KVAppSubsystems& mSubsystems;
@@ -142,6 +147,7 @@ private:
     std::atomic<bool> mIsTerminating{ false };
     bool mMayGoOn = true;
     bool mIsReloadAsked = false;
+    bool mIsLoaded = false;      ///< until then the domain is empty, and a save would lose everything
     bool mIsEncoding = false;    ///< the next idle turn goes on
     bool mDeferOpenFile = false; ///< true once the deferred actions have run
     std::vector<std::filesystem::path> mDeferredOpenFiles;

@@ -7,6 +7,7 @@
 #include "Defines/KVPreferences.h"
 #include "Platform/Platform.h"
 #include "XCAF/XErrorHandler.h"
+#include "XCAF/XException.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -88,9 +89,23 @@ private:
                 "engine hear of it" );
         }
         SayReady( ioContext.mOutput );
-        ioSession.Host().RunMainLoop( [&ioSession] { ioSession.Delegate().terminate(); } );
+        RunMainLoop( ioSession );
         Platform::Current().EditorService().ReleaseFolder();
         ioSession.Stop();
+    }
+
+    /// After an exception the process ends, and the session still saves what it has.
+    static void RunMainLoop( EditorSession& ioSession )
+    {
+        try
+        {
+            ioSession.Host().RunMainLoop( [&ioSession] { ioSession.Delegate().terminate(); } );
+        }
+        catch ( const XException& exception )
+        {
+            exception.WarnUncaught( u"Main Application" );
+            throw;
+        }
     }
 
     static void SayReady( Output& ioOutput )

@@ -102,3 +102,8 @@ void MacrosWindowInterface::StopRecording()
 {
     ForEachWindow( []( MacrosWindow& window ) { window.stopRecording(); } );
 }
+
+void MacrosWindowInterface::DoResortForMacroStatsChanged()
+{
+    ForEachWindow( []( MacrosWindow& window ) { window.doResortForMacroStatsChanged(); } );
+}

@@ -21,6 +21,8 @@ public:
     virtual void didDeferredSaveAllMacros() = 0;
     virtual void showNeedSaveView( bool inShow ) = 0;
     virtual void stopRecording() = 0;
+    /// The statistics have changed: lists that are sorted by use are sorted again.
+    virtual void doResortForMacroStatsChanged() {}
     virtual void close() = 0;
 };
 
@@ -46,4 +48,5 @@ void DidReloadMacros( const __SafeCFPropertyList& inSelection );
 void DidDeferredSaveAllMacros();
 void ShowNeedSaveView( bool inShow );
 void StopRecording();
+void DoResortForMacroStatsChanged();
 } // namespace MacrosWindowInterface
