@@ -119,10 +119,6 @@ void BusNotifier::EngineIs( const std::string& inUniqueName )
     mKnowsEngine = true;
     XErrorHandler::PrivateMaybeLogFormat( "engine", "The engine on the bus is \"%s\"", mEngine );
     SendWaiting();
-    std::string nothing;
-    if ( mHasLoadToTell and not mEngine.empty() and mToldOfLoad != mEngine )
-        Send( { std::string( kLoadMacroFiles ), PropertyListVariant::FromPayload( nullptr, nothing ),
-            Audience::kEngineOnly } );
 }
 
 // GLib keeps what the bus doesn't take; a bus that has stopped reading mustn't fill our memory.
@@ -142,6 +138,11 @@ void BusNotifier::SendWaiting()
         mWaiting.pop_front();
         Send( posting );
     }
+    // To an engine that is new, and when it was among those that were dropped.
+    std::string nothing;
+    if ( CanSend() and mHasLoadToTell and not mEngine.empty() and mToldOfLoad != mEngine )
+        Send( { std::string( kLoadMacroFiles ), PropertyListVariant::FromPayload( nullptr, nothing ),
+            Audience::kEngineOnly } );
 }
 
 void BusNotifier::Post( TextView inName, const CFContainer<XPlistDictionary>& inUserInfo, Audience inAudience )

@@ -168,6 +168,20 @@ TEST_F( Notifier, PostsOfABusThatIsAwayComeWhenItIsBackAndTheRestIsDropped )
     EXPECT_LE( two.mHeard.size(), BusNotifier::kMaxWaiting + 1 );
 }
 
+TEST_F( Notifier, TheLastChangeOfTheMacrosIsToldAlsoWhenItWasDropped )
+{
+    Program editor( mFolder ), engine( mFolder );
+    engine.BecomeEngine( mFolder );
+    Settle( *engine.mBus.Get() );
+    Settle( *editor.mBus.Get() );
+    // No loop runs meanwhile: as many as are counted as unsent, as many as wait, and then some.
+    for ( std::size_t i = 0; i < 2 * BusNotifier::kMaxWaiting + 5; ++i )
+        editor.Post( u"KV_ClipDataChanged" );
+    editor.Post( u"KV_LoadMacroFiles" );
+    EXPECT_TRUE(
+        Until( [&] { return std::count( engine.mHeard.begin(), engine.mHeard.end(), "KV_LoadMacroFiles" ) == 1; } ) );
+}
+
 TEST_F( Notifier, AShortLifeGetsItsPostsOut )
 {
     Program engine( mFolder );
