@@ -4,11 +4,14 @@
 #include "ActionTestSupport.h"
 #include "Actions/PlugInFolder.h"
 #include "Defines/KVPreferences.h"
+#include "Tests/Support/LongTests.h"
 #include "Tests/Support/ScratchFolder.h"
 #include "Utility/Search/StringSearchee.h"
 #include "XCAF/XErrorHandler.h"
+#include "XCAF/XFileWriting.h"
 
 #include <filesystem>
+#include <random>
 
 namespace
 {
@@ -52,6 +55,84 @@ protected:
     ScratchFolder mFolder;
     LogCapture mLog;
 };
+
+/// A disk of which only what lies in the folder of a plug-in may be touched.
+class FencedFileCalls final : public XFileCalls
+{
+public:
+    using Path = std::filesystem::path;
+    explicit FencedFileCalls( Path inFolder ) : mFolder( std::move( inFolder ) ) {}
+
+    int mTouches = 0;
+    int Open( const Path& inPath, OpenFor inPurpose ) override
+    {
+        EXPECT_EQ( inPurpose, OpenFor::kRead );
+        Touch( inPath );
+        return XFileCalls::Open( inPath, inPurpose );
+    }
+    int GetPathFacts( const Path& inPath, XFileStatus& outFacts ) override
+    {
+        Touch( inPath );
+        return XFileCalls::GetPathFacts( inPath, outFacts );
+    }
+    int GetLinkFacts( const Path& inPath, XFileStatus& outFacts ) override
+    {
+        Touch( inPath );
+        return XFileCalls::GetLinkFacts( inPath, outFacts );
+    }
+    int ReadLink( const Path& inPath, Path& outTarget ) override
+    {
+        Touch( inPath );
+        return XFileCalls::ReadLink( inPath, outTarget );
+    }
+    int ReadFolder( const Path& inPath, std::vector<std::string>& ) override { return Forbidden( inPath ); }
+    int Rename( const Path& inFrom, const Path& ) override { return Forbidden( inFrom ); }
+    int RenameToNew( const Path& inFrom, const Path& ) override { return Forbidden( inFrom ); }
+    int Unlink( const Path& inPath ) override { return Forbidden( inPath ); }
+    int MakeFolder( const Path& inPath ) override { return Forbidden( inPath ); }
+    int RemoveFolder( const Path& inPath ) override { return Forbidden( inPath ); }
+
+private:
+    // As the system takes the path, so by its bytes.
+    void Touch( const Path& inPath )
+    {
+        ++mTouches;
+        if ( inPath == mFolder.parent_path() )
+            return; // of all data files
+        const std::string bytes = inPath.native(), beginning = mFolder.native() + "/";
+        const std::string beneath = bytes.substr( std::min( beginning.size(), bytes.size() ) );
+        const std::string name = beneath.substr( 0, beneath.find( '/' ) );
+        EXPECT_TRUE( bytes.starts_with( beginning ) and name != "" and name != "." and name != ".." and
+            beneath.substr( name.size() ) == "/Korvalen Action.plist" and beneath.find( '\0' ) == std::string::npos )
+            << inPath;
+    }
+    int Forbidden( const Path& inPath )
+    {
+        ADD_FAILURE() << inPath;
+        errno = EPERM;
+        return -1;
+    }
+
+    Path mFolder;
+};
+
+/// A name as somebody makes it up who wants to get out of the folder.
+Text HostileName( std::mt19937_64& ioRandom )
+{
+    const TextView kPieces[] = { u".", u"..", u"/", u"../", u"P", u"Q", u" ", u"~", u"\\", u"%2e", u"\n", u"é",
+        u"\u2024", u"\uFF0F", u"\U0001F600", TextView( u"\0", 1 ), u"Korvalen Action.plist" };
+    const char16_t kHalf = 0xD800;
+    Text name;
+    for ( std::size_t count = ioRandom() % 6; count > 0; --count )
+    {
+        const std::size_t piece = ioRandom() % ( std::size( kPieces ) + 2 );
+        if ( piece < std::size( kPieces ) )
+            name += kPieces[piece];
+        else
+            name += piece == std::size( kPieces ) ? kHalf : char16_t( ioRandom() );
+    }
+    return name;
+}
 
 __SafeCFPropertyList Parameter( TextView inLabel, TextView inType, TextView inDefault )
 {
@@ -99,6 +180,31 @@ TEST_F( PlugIns, AFolderNameDoesntLeadOutOfTheFolder )
     }
     EXPECT_FALSE( PlugInFolder::FolderForName( XText( TextView( u"P\0", 2 ) ) ) );
     EXPECT_TRUE( PlugInFolder::FolderForName( XText( u"..P" ) ) );
+}
+
+TEST_F( PlugIns, NoFolderNameReadsAnythingOutsideAndEachComesBack )
+{
+    Install( "P", Dict( {} ) );
+    mFolder.Write( "Korvalen Action.plist", WriteXMLPropertyList( Dict( {} ) ).mBytes.View() );
+    FencedFileCalls calls( mFolder.Path() / "Korvalen Actions" );
+    const XFileCalls::Substitute callsInUse( calls );
+    std::mt19937_64 random( 3 );
+    int bad = 0;
+    for ( int i = ShortOrLong( 10'000, 1'000'000 ); i > 0 and not HasFailure(); --i )
+    {
+        const Text name = HostileName( random );
+        const auto stored =
+            ActionDict( u"PlugIn", { { "PlugInFolderName", Str( name ) }, { "PlugInParameters", Dict( {} ) } } );
+        calls.mTouches = 0;
+        PlugInFolder::ClearCache();
+        EXPECT_EQ( At( Reloaded( stored ), "PlugInFolderName" ), Str( name ) );
+        const bool isBad = name.empty() or name == u"." or name == u".." or name.find( u'/' ) != Text::npos or
+            name.find( u'\0' ) != Text::npos;
+        bad += isBad;
+        EXPECT_TRUE( not isBad or calls.mTouches == 0 ) << UTF8FromText( name );
+        (void)mLog.Take();
+    }
+    EXPECT_GT( bad, 1000 );
 }
 
 TEST_F( PlugIns, AFileOfThePlugInHasAPlainName )

@@ -4,10 +4,10 @@
 #include "CFMethods/PropertyListCodec.h"
 #include "Macros/MLoadCheck.h"
 #include "Macros/MMacroDomain.h"
+#include "Tests/Support/LongTests.h"
 #include "XCAF/XException.h"
 #include "XCAF/XFileWriting.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -15,8 +15,7 @@ namespace
 {
 bool IsLongRun()
 {
-    const char* const asked = std::getenv( "KORVALEN_LONG_TESTS" );
-    return asked and std::string_view( asked ) == "1";
+    return ShortOrLong( false, true );
 }
 
 __SafeCFPropertyList Example( const char* inName )

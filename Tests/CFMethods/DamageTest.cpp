@@ -3,8 +3,8 @@
 // takes a file of a few kilobytes; with KORVALEN_LONG_TESTS=1 it is 100 KB, which takes long.
 #include "CFMethods/PropertyListCodec.h"
 #include "Tests/CFMethods/RandomPropertyList.h"
+#include "Tests/Support/LongTests.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace
@@ -53,8 +53,7 @@ XBytes MacrosFile( std::size_t inSize )
 
 const XBytes& DamagedFile()
 {
-    const char* const asked = std::getenv( "KORVALEN_LONG_TESTS" );
-    static const XBytes gFile = MacrosFile( asked and std::string_view( asked ) == "1" ? 100000 : 3000 );
+    static const XBytes gFile = MacrosFile( ShortOrLong<std::size_t>( 3000, 100'000 ) );
     return gFile;
 }
 

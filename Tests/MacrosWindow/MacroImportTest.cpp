@@ -12,7 +12,9 @@
 #include "Tests/Fakes/FakeWorkspace.h"
 #include "Tests/Macros/MacroFixtures.h"
 #include "Tests/Macros/RandomMacrosFile.h"
+#include "Tests/Support/LongTests.h"
 #include "Tests/Support/ScratchFolder.h"
+#include "Tests/Support/StoppingFileCalls.h"
 #include "Utility/Work/ManualWork.h"
 
 namespace
@@ -61,6 +63,8 @@ protected:
         EXPECT_FALSE( MMacroInsertion::CurrentlyInserting() ) << inCase;
     }
 
+    StoppingFileCalls mCalls; // which doesn't wait for the disk
+    XFileCalls::Substitute mCallsInUse{ mCalls };
     ScratchFolder mFolder;
     FakeAlerts mAlerts;
     FakeWorkspace mWorkspace;
@@ -80,6 +84,23 @@ Options Enabled()
 __SafeCFPropertyList Named( const __SafeCFPropertyList& inObject, TextView inName )
 {
     return With( inObject, "Name", Str( inName ) );
+}
+
+/// Changes, takes out or repeats a few bytes somewhere.
+void Damage( std::string& ioBytes, RandomMacrosFile& ioRandom )
+{
+    const std::size_t at = ioRandom.Below( ioBytes.size() ), length = ioRandom.Below( 30 );
+    switch ( ioRandom.Below( 3 ) )
+    {
+    case 0:
+        ioBytes[at] = char( ioRandom.Below( 256 ) );
+        break;
+    case 1:
+        ioBytes.erase( at, length );
+        break;
+    default:
+        ioBytes.insert( at, ioBytes.substr( ioRandom.Below( ioBytes.size() ), length ) );
+    }
 }
 
 std::string Words( const Result& inResult )
@@ -263,26 +284,47 @@ TEST_F( MacroImportTest, EditsThatWaitAreSavedBeforeAMergeThatCouldFail )
     EXPECT_EQ( FoundGroup( u"G" ).GetName(), u"Renamed" );
 }
 
+// Damage to the values, and then, in a file, to the bytes. What comes in can't run before the user enables something.
 TEST_F( MacroImportTest, DamagedExportsComeInOrChangeNothing )
 {
     RandomMacrosFile files( 11 );
-    int refused = 0;
-    for ( int i = 0; i < 100; ++i )
+    int refused = 0, came = 0, asFile = 0;
+    const int count = ShortOrLong( 300, 10'000 );
+    for ( int i = 0; i < count and not HasFailure(); ++i )
     {
         SCOPED_TRACE( i );
         Begin( { GroupWith( u"G", { MacroWith( u"A" ) } ) } );
         MacrosWindowUndo::Reset();
         const __SafeCFPropertyList before = Model();
-        __SafeCFPropertyList file = At( files.Next(), "MacroGroups" );
+        __SafeCFPropertyList value = At( files.Next(), "MacroGroups" );
         for ( int j = 0; j < i % 4; ++j )
-            file = files.Damaged( file );
-        if ( MacroImport::importMacrosFromArray( file, Options() ) )
-            continue;
-        ++refused;
-        ExpectUntouched( before, "damaged" );
+            value = files.Damaged( value );
+        const MacroExport::Encoded encoded = MacroExport::EncodeMacros( value );
+        const bool isFile = i % 3 > 0 and not encoded.mError;
+        Result result;
+        if ( isFile )
+        {
+            std::string bytes( encoded.mBytes.View() );
+            for ( int j = 1; j < i % 3; ++j )
+                Damage( bytes, files );
+            mFolder.Write( "x.kvmacros", bytes );
+            result = MacroImport::ImportFile( mFolder / "x.kvmacros", Options() );
+        }
+        else
+            result = MacroImport::importMacrosFromArray( value, Options() );
+        asFile += isFile;
+        ( result ? came : refused ) += 1;
+        for ( const MacroImport::Named& named : result.mMacros )
+        {
+            const MMacro& macro = FoundMacro( named.mUID.GetText() );
+            EXPECT_FALSE( macro.IsActive() and macro.GetOwningGroup()->IsActive() ) << named.mUID.GetUTF8();
+        }
+        if ( not result )
+            ExpectUntouched( before, "damaged" );
     }
-    EXPECT_GT( refused, 0 );
-    EXPECT_LT( refused, 100 );
+    EXPECT_GT( refused, count / 8 );
+    EXPECT_GT( came, count / 8 );
+    EXPECT_GT( asFile, count / 8 ); // many hold half a character, which no export has
 }
 
 TEST_F( MacroImportTest, WhatIsntUnderstoodWithinAMacroIsLeftOutAndTold )
