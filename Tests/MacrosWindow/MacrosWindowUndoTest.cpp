@@ -203,6 +203,23 @@ TEST_F( MacrosWindowUndoTest, TheLimitCountsBytesAndDropsTheOldest )
     }
 }
 
+// A state may be hundreds of megabytes.
+TEST_F( MacrosWindowUndoTest, NothingHoldsTheBytesOfAStepThatTheLimitHasDropped )
+{
+    MacrosWindowUndo::Reset();
+    KVPreferences::Set( KVPreferences::kMaximumUndoSizeID, std::int64_t( 1 ) );
+    std::vector<std::weak_ptr<const MMacroFileData>> states;
+    for ( int i = 0; i < 5; ++i )
+    {
+        states.push_back( MMacroPreferenceFile::SavedData() );
+        EditAndSave( u"Rename", u"state " + Text( std::size_t( i ), u'x' ) );
+    }
+    mWorld->mWork.RunAll();
+    for ( const auto& state : states )
+        EXPECT_TRUE( state.expired() );
+    EXPECT_GT( SavedStates::List().size(), states.size() );
+}
+
 TEST_F( MacrosWindowUndoTest, UndoBeforeTheSaveSetsTheEditsAside )
 {
     EditAndSave( u"One", u"1" );
