@@ -1,5 +1,6 @@
 #include "Macros/MDefaultLibraries.h"
 
+#include "App/MacroOutline.h"
 #include "KorvalenResources.h"
 #include "Macros/MLoadCheck.h"
 #include "Tests/Macros/MacrosFileWorld.h"
@@ -154,4 +155,25 @@ TEST_F( DefaultLibraries, WhatWasImportedIsStoredOnceAndReadAgain )
     ImportedLibraries::Reset();
     EXPECT_TRUE( ImportedLibraries::WasImported( u"New" ) );
     EXPECT_EQ( KVPreferences::GetSet( KVPreferences::kImportedLibrariesID ), ( std::set<Text>{ u"New", u"Old" } ) );
+}
+
+TEST_F( DefaultLibraries, EachMacroTellsWhatItDoes )
+{
+    Start();
+    std::size_t macros = 0;
+    mDomain->DoForEveryMacro( [&macros]( MMacroGroup&, MMacro& macro ) {
+        ++macros;
+        const auto outline = OutlineAsValue( macro );
+        EXPECT_NE( TextAt( outline, "name" ), u"" );
+        const auto actions = At( outline, "actions" );
+        ASSERT_TRUE( actions.AsArray() ) << UTF8FromText( macro.GetName() );
+        EXPECT_GE( actions.AsArray()->GetCount(), 1u ) << UTF8FromText( macro.GetName() );
+        for ( std::size_t i = 0; i < actions.AsArray()->GetCount(); ++i )
+        {
+            const auto action = actions.AsArray()->GetValueAt( i );
+            EXPECT_FALSE( TextAt( action, "title" ).empty() ) << UTF8FromText( macro.GetName() );
+            EXPECT_FALSE( TextAt( action, "description" ).empty() ) << UTF8FromText( macro.GetName() );
+        }
+    } );
+    EXPECT_EQ( macros, 29u );
 }

@@ -19,6 +19,13 @@ protected:
     static constexpr char kShare[] = "share.plist";
     static constexpr char kIncoming[] = "Korvalen Macros From Shared.plist";
 
+    void SaveAllMacrosIfNecessary() override
+    {
+        if ( std::exchange( mHasEdits, false ) )
+            SaveAllMacros();
+    }
+    bool mHasEdits = false;
+
     /// What the engine does.
     void Bring( std::string_view inBytes )
     {
@@ -542,4 +549,69 @@ TEST_F( MacrosFileTest, AMidnightWhileASaveIsMadeDatesItByTheNewDay )
     mWorld.mClock.Advance( kDay );
     Save();
     EXPECT_EQ( Revision( day ), lastOfTheDay );
+}
+
+TEST_F( MacrosFileTest, EditsSavedBecauseAFileComesInStayOnThisComputer )
+{
+    const std::string theirs = BytesOf( CurrentFile( u"Theirs" ) );
+    mFolder.Write( kShare, BytesOf( CurrentFile( u"Mine" ) ) );
+    Share( kShare );
+    Start();
+    AddGroup( u"Edited" );
+    mHasEdits = true;
+    mFolder.Write( kShare, theirs );
+    Bring( theirs );
+    EXPECT_FALSE( mHasEdits );
+    EXPECT_EQ( MacrosFile(), theirs );
+    EXPECT_EQ( mFolder.Read( kShare ), theirs ) << "or this computer and the others would go apart";
+    const auto before = Parsed( Revision( "9999_01_03" ) );
+    ASSERT_TRUE( before ) << "the edits are in a revision";
+    EXPECT_NE( Revision( "9999_01_03" ).find( "Edited" ), std::string::npos );
+    Save();
+    EXPECT_EQ( mFolder.Read( kShare ), MacrosFile() ) << "later saves go there again";
+}
+
+TEST_F( MacrosFileTest, ANewerShareOfAnotherFormSuspendsSharingUntilAnotherOneIsJoined )
+{
+    const std::string newer = BytesOf( Dict( { { "Version", Str( u"999.0" ) }, { "Groups", Array( {} ) } } ) );
+    mFolder.Write( kMacrosFile, BytesOf( CurrentFile( u"Mine" ) ) );
+    mFolder.Write( kShare, newer );
+    Share( kShare );
+    mAlerts.mButton = 1; // Stop Sharing
+    Start();
+    EXPECT_TRUE( IsSharingDisabledBecauseOfNewerVersion() );
+    EXPECT_FALSE( KVNotices::IsUnanswered( u"ShareFileUnreadable" ) );
+    Save();
+    EXPECT_EQ( mFolder.Read( kShare ), newer );
+    EXPECT_TRUE( SaveRemoteMacroShareFileData( DataOf( BytesOf( CurrentFile( u"Theirs" ) ) ) ) );
+    EXPECT_FALSE( IsSharingDisabledBecauseOfNewerVersion() );
+}
+
+TEST_F( MacrosFileTest, ABackupOfAnEarlierUpgradeIsKept )
+{
+    mFolder.Write( "Korvalen Macros Saved Version 8.plist", "from an earlier upgrade" );
+    const auto older = CurrentFile( u"Mine", { { "MacroPreferencesVersion", Int( 90 ) } } );
+    StartWith( older );
+    EXPECT_EQ( mFolder.Read( "Korvalen Macros Saved Version 8.plist" ), BytesOf( older ) );
+    EXPECT_EQ( SetAsideAs( Kind::kMacrosFile ), Bytes{ "from an earlier upgrade" } );
+}
+
+TEST_F( MacrosFileTest, AReceivedFileThatCouldNotBeWrittenIsNotWhatWasSavedLast )
+{
+    StartWith( CurrentFile( u"Mine" ) );
+    const auto before = SavedData();
+    mFolder.Write( "Set Aside", "a file in the way" );
+    EXPECT_FALSE( SaveRemoteMacroShareFileData( DataOf( BytesOf( CurrentFile( u"Theirs" ) ) ) ) );
+    EXPECT_EQ( SavedData(), before );
+    ReloadAllMacros();
+    EXPECT_TRUE( HasGroup( u"Mine" ) );
+}
+
+TEST_F( MacrosFileTest, DestroyingTheMacrosDrawsNoUIDs )
+{
+    Start();
+    XSeededRandom drawn( 5 ), untouched( 5 );
+    const XRandom::Substitute inUse( drawn );
+    mDomain.reset();
+    EXPECT_EQ( drawn.Next(), untouched.Next() );
 }

@@ -111,3 +111,29 @@ TEST_F( MRevisionsTest, ThoseOfTheOlderLayoutComeAcrossWholeOrAreTriedAgain )
     MRevisions::CopyFromVersion8();
     EXPECT_EQ( Revisions().size(), 5u ) << "once";
 }
+
+TEST_F( MRevisionsTest, ACopyThatFailedGoesOnAtALaterStartBesideWhatWasSavedMeanwhile )
+{
+    std::filesystem::create_directories( mFolder / "Revisions Version 8" );
+    for ( int i = 0; i < 5; ++i )
+        mFolder.Write( "Revisions Version 8/" + Day( i ) + ".plist", "r" + std::to_string( i ) );
+    for ( int n = 1;; ++n )
+    {
+        SCOPED_TRACE( n );
+        mDisk.mCount = 0;
+        mDisk.mFailFrom = n;
+        MRevisions::CopyFromVersion8();
+        const bool isCopied = mDisk.mCount < n;
+        // The disk has room again: a save makes the folder, with one day that the copy would bring too.
+        mDisk.mFailFrom = 0;
+        MRevisions::PrivateSaveRevision( TextFromUTF8( Day( 2 ) ), DataOf( "saved" ) );
+        MRevisions::CopyFromVersion8();
+        EXPECT_EQ( Revisions().size(), 5u );
+        EXPECT_EQ( Revision( Day( 2 ) ), "saved" );
+        EXPECT_EQ( Revision( Day( 3 ) ), "r3" );
+        EXPECT_FALSE( std::filesystem::exists( mFolder / "Revisions Version 9 Being Copied" ) );
+        std::filesystem::remove_all( mFolder / "Revisions Version 9" );
+        if ( isCopied )
+            break;
+    }
+}
