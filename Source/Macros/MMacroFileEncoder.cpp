@@ -28,7 +28,7 @@ struct Place
 struct State
 {
     XPlistPieceEncoder mEncoder;
-    Place mChecked;
+    Place mChecked, mPrepared;
 };
 
 // Never destroyed: a domain in static storage forgets at its end.
@@ -151,8 +151,7 @@ MMacroFileDataPtr MMacroFileEncoder::EncodeMacroDomainAnew( MMacroDomain& ioDoma
 
 bool MMacroFileEncoder::EncodeSome( const MMacroDomain& inDomain, std::size_t inMostObjects )
 {
-    Place place;
-    return GoOn( inDomain, place, [&inMostObjects]( MMacroSerializedObject& object ) {
+    const bool atEnd = GoOn( inDomain, TheState().mPrepared, [&inMostObjects]( MMacroSerializedObject& object ) {
         if ( IsEncoded( object ) )
             return true;
         if ( inMostObjects == 0 )
@@ -161,6 +160,9 @@ bool MMacroFileEncoder::EncodeSome( const MMacroDomain& inDomain, std::size_t in
         object.SetPiece( Encode( object ) );
         return true;
     } );
+    if ( atEnd )
+        TheState().mPrepared = {};
+    return atEnd;
 }
 
 bool MMacroFileEncoder::CheckSome( const MMacroDomain& inDomain, std::size_t inMostObjects )
@@ -182,7 +184,7 @@ bool MMacroFileEncoder::CheckSome( const MMacroDomain& inDomain, std::size_t inM
 void MMacroFileEncoder::Forget()
 {
     TheState().mEncoder.StartAnew();
-    TheState().mChecked = {};
+    TheState().mChecked = TheState().mPrepared = {};
 }
 
 bool MMacroFileEncoder::HasAnything()

@@ -22,7 +22,8 @@ namespace MMacroFileEncoder
 
 // For idle turns, at most so many objects each; one takes some microseconds.
 
-/// Encodes what has no encoded form yet, so that the first save after a load finds it ready. True when everything has one.
+/// Encodes what has no encoded form yet, so that the first save after a load finds it ready. Goes on where the last call
+/// ended. True at the end of the domain; what was edited behind the place waits for the save.
 bool EncodeSome( const MMacroDomain& inDomain, std::size_t inMostObjects );
 /// Encodes kept objects anew and compares, going around the domain from call to call. False, asserted, if a change was
 /// missed: it is known now, and the caller sees to a save.
