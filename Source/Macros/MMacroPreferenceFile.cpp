@@ -169,9 +169,12 @@ MMacroFileDataPtr MMacroPreferenceFile::SavedData()
     return LastSaved();
 }
 
-void MMacroPreferenceFile::UndoRedoMacroData( const MMacroFileDataPtr& inData )
+void MMacroPreferenceFile::UndoRedoMacroData(
+    const MMacroFileDataPtr& inData, const std::function<void()>& inMeanwhile )
 {
     SaveMacroData( nullptr, inData, Change::kLocal, Afterwards::kNothing );
+    if ( inMeanwhile )
+        inMeanwhile();
     WaitForQueue();
 }
 

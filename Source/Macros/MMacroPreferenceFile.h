@@ -30,8 +30,9 @@ void WaitForQueue();
 
 /// The bytes of the last load or save; null before there are any.
 [[nodiscard]] MMacroFileDataPtr SavedData();
-/// Makes these bytes the macros file, and waits for the queue. The model isn't reloaded.
-void UndoRedoMacroData( const MMacroFileDataPtr& inData );
+/// Makes these bytes the macros file, and waits for the queue. The model isn't reloaded, unless by the block, which runs
+/// while the queue writes: a large file takes both a second.
+void UndoRedoMacroData( const MMacroFileDataPtr& inData, const std::function<void()>& inMeanwhile = {} );
 /// The same with the bytes of a shared file, and reloads; edits that wait are saved first, and what is replaced is set
 /// aside. Sharing that was disabled goes on. False, logged and told, when that or the write failed: then nothing was replaced.
 bool SaveRemoteMacroShareFileData( const MMacroFileDataPtr& inData );

@@ -201,9 +201,10 @@ bool SetUnsavedAside( const char16_t* inReason )
 
 void Perform( const UndoEntry& inEntry )
 {
-    MMacroPreferenceFile::UndoRedoMacroData( inEntry.mData );
-    MMacroPreferenceFile::ReloadAllMacros();
-    MacrosWindowInterface::DidReloadMacros( __SafeCFPropertyList( inEntry.mSelection ) );
+    MMacroPreferenceFile::UndoRedoMacroData( inEntry.mData, [&inEntry] {
+        MMacroPreferenceFile::ReloadAllMacros();
+        MacrosWindowInterface::DidReloadMacros( __SafeCFPropertyList( inEntry.mSelection ) );
+    } );
 }
 
 bool Step( UndoStack& ioFrom, UndoStack& ioTo, const char16_t* inReason )
