@@ -4,8 +4,10 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -66,6 +68,19 @@ int RunningEditor::Run( const std::vector<std::string>& inArguments ) const
     if ( process == -1 or waitpid( process, &status, 0 ) != process or not WIFEXITED( status ) )
         return -1;
     return WEXITSTATUS( status );
+}
+
+double RunningEditor::ProcessorSeconds() const
+{
+    clockid_t clock = 0;
+    timespec editor = {};
+    rusage verbs = {};
+    if ( clock_getcpuclockid( mProcess, &clock ) != 0 or clock_gettime( clock, &editor ) != 0 or
+        getrusage( RUSAGE_CHILDREN, &verbs ) != 0 )
+        return 0;
+    const auto seconds = []( const timeval& time ) { return double( time.tv_sec ) + double( time.tv_usec ) / 1e6; };
+    return double( editor.tv_sec ) + double( editor.tv_nsec ) / 1e9 + seconds( verbs.ru_utime ) +
+        seconds( verbs.ru_stime );
 }
 
 std::string RunningEditor::AnyMacro( const XBytes& inMacrosFile )

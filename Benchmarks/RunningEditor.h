@@ -25,6 +25,8 @@ public:
     [[nodiscard]] explicit operator bool() const { return mIsReady; }
     /// From the start of the verb's process until its end; what it answers, or -1.
     [[nodiscard]] int Run( const std::vector<std::string>& inArguments ) const;
+    /// Processor seconds of the editor and of the verbs so far, which a busy machine changes little.
+    [[nodiscard]] double ProcessorSeconds() const;
     /// The UID of a macro in the middle of the file.
     [[nodiscard]] static std::string AnyMacro( const XBytes& inMacrosFile );
 
