@@ -185,14 +185,11 @@ std::size_t SimulatedEditor::CountFailedSaves() const
 
 std::string SimulatedEditor::Complaints() const
 {
-    constexpr std::array<std::string_view, 10> kWords{ "Can't", "can't", "couldn't", "failed", "Failed", "damaged",
-        "Assertion", "is gone", "error", "Exception" };
+    constexpr std::array<std::string_view, 11> kWords{ "Can't", "can't", "couldn't", "failed", "Failed", "damaged",
+        "Assertion", "is gone", "error", "Exception", "begins anew" };
     std::string result;
     for ( const std::string& line : mWorld->mLog.Lines() )
     {
-        // The journal of undo may be a step behind; its states are kept all the same.
-        if ( line.find( "so undo begins anew" ) != std::string::npos )
-            continue;
         if ( std::any_of( kWords.begin(), kWords.end(),
                  [&]( std::string_view word ) { return line.find( word ) != std::string::npos; } ) )
             result += line + "\n";
