@@ -166,6 +166,13 @@ void MacroDataQueue::Run( const Write& inWrite )
         not inWrite.mOld or not IsSaveOfTheSame( inWrite.mOld->Span(), inWrite.mNew->Span(), inWrite.mSaveUUID );
     if ( isNewState )
         KeepBeforeReplacing( inWrite.mOld );
+    // After a write that failed the file has an older state, which a full disk may have kept from being kept.
+    if ( mHasFailed )
+    {
+        XFileContent there = ReadWholeFile( MMacroPreferenceFile::MacrosFilePath(), kMostBytesKeptFirst );
+        if ( not there.mError )
+            KeepBeforeReplacing( std::make_shared<const MMacroFileData>( std::move( there.mBytes ) ) );
+    }
     if ( not error and not inWrite.mIsLocal )
         error = KeepWhatReceivedBytesReplace( inWrite );
     if ( not error )
