@@ -332,9 +332,7 @@ public:
         static constexpr Action kActions[] = { &Walk::Edit, &Walk::Edit, &Walk::Edit, &Walk::Edit, &Walk::Wait,
             &Walk::Wait, &Walk::Undo, &Walk::Redo, &Walk::Save, &Walk::Crash, &Walk::CrashInACall, &Walk::CutPower,
             &Walk::Restart, &Walk::Revert, &Walk::Receive, &Walk::ToggleSharing, &Walk::Import, &Walk::FillDisk };
-        // A disk that fills up is part of the long run alone, until what it still loses is mended.
-        const std::size_t count = std::size( kActions ) - ( Editor::IsLongRun() ? 0 : 1 );
-        mActions.push_back( int( mRandom.Next() % count ) );
+        mActions.push_back( int( mRandom.Next() % std::size( kActions ) ) );
         ( this->*kActions[mActions.back()] )();
         Note();
     }
