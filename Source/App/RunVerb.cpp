@@ -59,7 +59,10 @@ private:
         for ( const std::string& file : mFiles )
         {
             if ( KVAppDelegate::appDelegate()->application( ioContext.Resolve( file ) ) )
+            {
+                ioContext.mOutput.Line( "the editor that runs opens " + QuotedPath( file ) );
                 continue;
+            }
             ioContext.mOutput.Complain( QuotedPath( file ) +
                 " isn't opened; the editor opens kvmacros, kvactions, "
                 "kvlibrary and zip files" );

@@ -23,14 +23,20 @@ TEST_F( DayInTheLife, TheFirstStartBringsTheLibrariesAndTheRevisions )
     ASSERT_TRUE( Mine().EngineTells( "load 1 " ) );
     const Strings groups = Mine().Judged();
     EXPECT_THAT( groups, Contains( "Global Macro Group /" ) );
-    EXPECT_THAT( groups, Contains( "Switchers /" ) );
+    int libraries = 0;
+    for ( const auto& library : fs::directory_iterator( KORVALEN_LIBRARIES ) )
+    {
+        EXPECT_THAT( groups, IsSupersetOf( Mine().Judged( library.path() ) ) ) << library.path();
+        ++libraries;
+    }
+    EXPECT_EQ( libraries, 12 );
     EXPECT_EQ( Mine().Judged( Mine().Folder() / "Revisions Version 9/0000_01_02.plist" ), groups );
     EXPECT_EQ( Mine().Judged( Mine().Folder() / "Revisions Version 9/9999_01_01.plist" ), groups );
     EXPECT_THAT( Mine().Do( { "status", "--json" } ),
         AllOf( HasSubstr( "\"editor\": true" ), HasSubstr( "\"unsaved\": false" ), HasSubstr( "\"notices\": []" ) ) );
     EXPECT_EQ( Mine().StopEditor(), 0 );
     EXPECT_EQ( Mine().Judged(), groups );
-    // All twelve are known as imported: the next start brings none again.
+    // All are known as imported: the next start brings none again.
     ASSERT_TRUE( Mine().StartEditor() );
     EXPECT_EQ( Mine().StopEditor(), 0 );
     EXPECT_EQ( Mine().Judged(), groups );
@@ -57,7 +63,7 @@ TEST_F( DayInTheLife, EachVerbWorksInTheEditorThatRuns )
     EXPECT_EQ( Mine().Judged(), first );
     Mine().Do( { "import", file } );
     Mine().Do( { "save" } );
-    EXPECT_THAT( Mine().Judged(), Contains( "Work / Letter copy (off)" ) ) << "what is imported waits to be looked at";
+    EXPECT_THAT( Mine().Judged(), IsSupersetOf( { "Work / (off)", "Work / Letter copy" } ) ) << "it can't run yet";
     const Strings last = Mine().Judged();
     EXPECT_EQ( Mine().StopEditor(), 0 );
     EXPECT_EQ( Mine().Judged(), last );
@@ -68,18 +74,26 @@ TEST_F( DayInTheLife, ABurstMakesOneSaveAndIsUndoneAndRedone )
     ASSERT_TRUE( Mine().StartEditor() );
     ASSERT_TRUE( Mine().EngineTells( "load 1 " ) );
     ASSERT_TRUE( Mine().IsSaved() );
-    const Strings first = Mine().Judged();
-    const std::size_t loads = Mine().Loads();
-    for ( int i = 1; i <= 8; ++i )
-        Mine().NewMacro( "Burst " + std::to_string( i ) );
-    ASSERT_TRUE( Mine().IsSaved() );
-    ASSERT_TRUE( Until( [&] { return Mine().Loads() > loads; } ) );
+    Strings first;
+    std::size_t loads = 0;
+    // On a machine that is busy otherwise the edits may come too slowly to be a burst.
+    for ( bool isBurst = false; not isBurst; )
+    {
+        first = Mine().Judged();
+        loads = Mine().Loads();
+        const auto begin = std::chrono::steady_clock::now();
+        for ( int i = 1; i <= 8; ++i )
+            Mine().NewMacro( "Burst " + std::to_string( i ) );
+        isBurst = std::chrono::steady_clock::now() - begin < std::chrono::milliseconds( 900 );
+        ASSERT_TRUE( Mine().IsSaved() );
+        ASSERT_TRUE( Until( [&] { return Mine().Loads() > loads; } ) );
+    }
     EXPECT_EQ( Mine().Loads(), loads + 1 );
     const Strings burst = Mine().Judged();
     EXPECT_THAT( burst, SizeIs( first.size() + 8 ) );
     Mine().Do( { "undo" } );
     ASSERT_TRUE( Mine().IsSaved() );
-    EXPECT_THAT( Mine().Judged(), Not( Contains( std::string( kDefault ) + "Burst 8" ) ) );
+    EXPECT_EQ( Mine().Judged(), first ) << "one step, as it was one burst";
     Mine().Do( { "redo" } );
     ASSERT_TRUE( Mine().IsSaved() );
     EXPECT_EQ( Mine().Judged(), burst );

@@ -9,10 +9,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <poll.h>
 #include <sstream>
 #include <sys/syscall.h>
@@ -144,8 +146,11 @@ public:
     {
         mEditor.reset();
         // The engine goes on without its editor, as it should.
-        if ( fs::exists( EnginePipe() ) )
+        if ( not EngineLog().empty() and not EngineLog().ends_with( "\nquit\n" ) )
+        {
             Command( "quit" );
+            EXPECT_TRUE( Until( [this] { return EngineLog().ends_with( "\nquit\n" ); } ) );
+        }
     }
     Computer( const Computer& ) = delete;
     Computer& operator=( const Computer& ) = delete;

@@ -1,11 +1,17 @@
-# What a macros file holds, read by somebody else's reader: a line "GROUP / MACRO" for each macro, " (off)" behind one
-# that is disabled, and "GROUP /" for each group.
+# What a macros file or a library holds, read by somebody else's reader: a line "GROUP /" for each group, and "GROUP / MACRO" for each
+# macro, " (off)" behind what is disabled.
 import plistlib
 import sys
 
 with open(sys.argv[1], "rb") as file:
     root = plistlib.load(file)
-for group in root["MacroGroups"]:
-    print(group["Name"] + " /")
+
+
+def state(thing):
+    return "" if thing.get("IsActive", True) else " (off)"
+
+
+for group in root["Items"] if "Items" in root else root["MacroGroups"]:
+    print(group["Name"] + " /" + state(group))
     for macro in group.get("Macros", []):
-        print(group["Name"] + " / " + macro.get("Name", "") + ("" if macro.get("IsActive", True) else " (off)"))
+        print(group["Name"] + " / " + macro.get("Name", "") + state(macro))
