@@ -21,16 +21,19 @@ class Mishaps : public Desk
 TEST_F( Mishaps, AfterAKillInABurstTheEditsAreOffered )
 {
     ASSERT_TRUE( Mine().StartEditor() );
-    const std::string unsaved = std::string( kDefault ) + "Unsaved";
     // Each edit pushes the save back, until the copy of what isn't saved is there. A machine that is busy otherwise may
     // take so long for one that the save comes first.
     Strings saved;
+    std::string unsaved;
+    int rounds = 0;
     for ( bool isUnsaved = false; not isUnsaved; )
     {
+        const std::string name = "Unsaved " + std::to_string( ++rounds );
+        unsaved = kDefault + name;
         ASSERT_TRUE( Until( [&] {
             const bool isThere = not Mine().InSetAside( "Recovery" ).empty();
             if ( not isThere )
-                Mine().NewMacro( "Unsaved" );
+                Mine().NewMacro( name );
             return isThere;
         } ) );
         EXPECT_EQ( Mine().StopEditor( SIGKILL ), -SIGKILL );
@@ -80,6 +83,30 @@ TEST_F( Mishaps, ADamagedMacrosFileIsSetAsideAndComesBack )
     ASSERT_TRUE( Mine().StartEditor() );
     EXPECT_THAT( Mine().Do( { "status", "--json" } ), HasSubstr( "\"notices\": []" ) ) << "told once";
     EXPECT_EQ( Mine().StopEditor(), 0 );
+}
+
+TEST_F( Mishaps, AHalfCopiedShareIsNotFollowed )
+{
+    const fs::path share = mScratch / "Team.kvsync";
+    ASSERT_TRUE( Mine().StartEditor( { "--no-engine" } ) );
+    Mine().NewMacro( "Ours" );
+    Mine().Do( { "share", "create", share } );
+    EXPECT_EQ( Mine().StopEditor(), 0 );
+    const Strings ours = Mine().Judged();
+    const std::string half = ReadFile( share ).substr( 0, 1000 );
+    WriteFile( share, half );
+
+    ASSERT_TRUE( Mine().StartEditor( { "--no-engine" } ) );
+    EXPECT_EQ( Mine().Judged(), ours );
+    EXPECT_THAT( Mine().Do( { "status", "--json" } ), Not( HasSubstr( "\"notices\": []" ) ) );
+    Mine().NewMacro( "After" );
+    Mine().Do( { "save" } );
+    EXPECT_EQ( Mine().StopEditor(), 0 );
+    EXPECT_EQ( Mine().Judged( share ), Mine().Judged() );
+    bool isKept = false;
+    for ( const std::string& name : Mine().InSetAside( "" ) )
+        isKept = isKept or ReadFile( Mine().Folder() / "Set Aside" / name ) == half;
+    EXPECT_TRUE( isKept ) << "what was in the share, before it was written over";
 }
 
 TEST_F( Mishaps, AFileThatIsNoMacrosFileEndsTheStartUntilTheUserSaysOtherwise )
