@@ -77,7 +77,10 @@ void EditorSession::Stop()
 {
     if ( not mDelegate )
         return;
-    // What is on the main queue already was asked for before the end.
+    // What is on the main queue already was asked for before the end; so was the reload of a file that is being replaced,
+    // and without it the last save would put the old macros back.
+    (void)mWork.DrainMainQueue();
+    MMacroPreferenceFile::WaitForQueue();
     (void)mWork.DrainMainQueue();
     mDelegate->applicationWillTerminate();
     (void)mWork.DrainMainQueue();
