@@ -97,8 +97,7 @@ public:
             ->required()
             ->type_name( "" );
         ioCommand.add_flag( "--enabled", mEnabled, "Leave macros enabled that are; else they come in disabled" );
-        ioCommand
-            .add_option( "--into", mInto, "The name or UID of the macro that the actions of a kvactions file go to" )
+        ioCommand.add_option( "--into", mInto, "The name or UID of the macro that a kvactions file goes to" )
             ->type_name( "MACRO" );
         ioCommand.add_flag( "--again", mAgain, "Take a library that was imported before once more" );
         ioCommand.add_flag( "--dry-run,-n", mDryRun, "Say what would come, and change nothing" );

@@ -11,6 +11,7 @@
 #include "Macros/SavedStates.h"
 #include "MacrosWindow/MacroEditing.h"
 #include "MacrosWindow/MacrosWindowUndo.h"
+#include "Utility/Text/Localization.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -248,13 +249,29 @@ public:
     }
 
 private:
+    void Prepare( VerbContext& ) override
+    {
+        mRevision = FindRevision( mDate );
+        mData = BytesOf( mRevision );
+    }
+
+    /// Is it what it was before the editor started?
+    [[nodiscard]] bool IsStillThere() const
+    {
+        if ( mRevision.mDate.empty() )
+            return false;
+        const XFileContent now =
+            ReadWholeFile( MMacroPreferenceFile::RevisionPath( mRevision.mDate ), FileInput::kMostBytes );
+        return not now.mError and std::ranges::equal( now.mBytes.Span(), mData->Span() );
+    }
+
     ExitStatus RunInEditor( VerbContext& ioContext ) override
     {
-        const Revision revision = FindRevision( mDate );
-        if ( revision.mDate.empty() )
+        const Revision& revision = mRevision;
+        if ( not IsStillThere() )
         {
-            const Text title = u"Revert to " + TextFromUTF8( revision.mTitle );
-            if ( const auto fault = MacroEditing::ReplaceAllMacros( BytesOf( revision ), title ) )
+            const Text title = kvr_localizedFormat( u"RevertChange", TextFromUTF8( revision.mTitle ) );
+            if ( const auto fault = MacroEditing::ReplaceAllMacros( mData, title ) )
                 throw FileTrouble( fmt::format( "{} isn't gone back to: {}", revision.Words(), *fault ) );
         }
         else if ( not MacrosWindowUndo::RevertToRevision( revision.mDate ) )
@@ -273,6 +290,8 @@ private:
 
     std::string mDate;
     bool mJSON = false;
+    Revision mRevision;
+    MMacroFileDataPtr mData;
 };
 
 class RestoreVerb final : public EditorVerb
@@ -291,9 +310,11 @@ public:
     }
 
 private:
+    void Prepare( VerbContext& ) override { mThen.emplace( MacrosOf( FindRevision( mDate ) ) ); }
+
     ExitStatus RunInEditor( VerbContext& ioContext ) override
     {
-        const SavedMacros then = MacrosOf( FindRevision( mDate ) );
+        const SavedMacros& then = *mThen;
         const std::vector<SavedObject> found = then.Find( mName );
         if ( found.size() != 1 )
         {
@@ -367,6 +388,7 @@ private:
 
     std::string mDate, mName;
     bool mDryRun = false, mJSON = false;
+    std::optional<SavedMacros> mThen;
 };
 } // namespace
 

@@ -156,7 +156,9 @@ SavedMacros::SavedMacros( std::span<const std::uint8_t> inBytes, std::string inW
 {
     const XPlistReadResult properties = ReadPropertyList( inBytes, kActionsPlistLimits );
     if ( not properties.mValue )
-        throw FileTrouble( mWords + " can't be understood as a property list" );
+        throw FileTrouble( mWords +
+            " can't be understood as a property list; “korvalen revisions list” and “korvalen set-aside list” "
+            "show other states" );
     if ( not ArrayAt( properties.mValue, CFSTR( "MacroGroups" ) ) )
         throw FileTrouble( mWords + " is a property list, but no macros file" );
     mValue = properties.mValue;

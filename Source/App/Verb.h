@@ -76,6 +76,9 @@ public:
     [[nodiscard]] ExitStatus Run( VerbContext& ioContext ) final;
 
 protected:
+    /// Comes first, before this process becomes the editor: its start replaces the revision of the last start and removes the
+    /// one of before a revert, so a verb that is asked for these reads them here.
+    virtual void Prepare( VerbContext& /*ioContext*/ ) {}
     /// Does the work in the editor: the domain is loaded, and every change goes through
     /// MacrosWindowInterface::NoteChange. Paths among the arguments go through
     /// VerbContext::Resolve.

@@ -4,6 +4,7 @@
 
 #include "App/Program.h"
 #include "Defines/KVPreferences.h"
+#include "Macros/MMacroApplication.h"
 #include "Macros/MMacroPreferenceFile.h"
 #include "MacrosWindow/MacrosWindowUndo.h"
 #include "Tests/App/KorvalenRun.h"
@@ -45,10 +46,14 @@ public:
     {
         std::ostringstream output, errors;
         Output streams( output, errors, {} );
-        const FileInput input( []( std::size_t ) { return XFileContent(); } );
+        const FileInput input( [this]( std::size_t ) {
+            XFileContent content;
+            content.mBytes = XBytes( mStandardInput );
+            return content;
+        } );
         ProgramPlace place;
         place.mIsInEditor = true;
-        place.mWorkingFolder = mFolder.Path();
+        place.mWorkingFolder = mWorkingFolder.empty() ? mFolder.Path() : mWorkingFolder;
         const ExitStatus status = RunKorvalen( inArguments, input, streams, place );
         return { int( status ), output.str(), errors.str() };
     }
@@ -73,8 +78,19 @@ public:
     }
 
     ManualWorld mWorld;
+    std::string mStandardInput;
+    std::filesystem::path mWorkingFolder; ///< of whoever asks; empty is the data folder
 
 private:
+    struct Application final : MMacroApplication
+    {
+        void HandleReloadMacros() override { MacrosWindowUndo::HandleReloadMacros(); }
+        void SaveAllMacrosIfNecessary() override { MacrosWindowUndo::SaveAllMacrosIfNecessary(); }
+        [[nodiscard]] bool NeedSaveAllMacros() const override { return MacrosWindowUndo::NeedSaveAllMacros(); }
+    };
+
+    Application mApplication;
+    MMacroApplication::Scope mApplicationInUse{ mApplication };
     ScratchFolder mFolder;
     std::unique_ptr<MMacroDomain> mDomain;
 };

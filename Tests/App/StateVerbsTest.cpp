@@ -1,3 +1,4 @@
+#include "Defines/KVNotices.h"
 #include "Defines/SetAside.h"
 #include "Tests/App/EditorRun.h"
 
@@ -177,23 +178,116 @@ TEST( PrefsVerb, TypesAreCheckedAndUnknownKeysRefused )
     EXPECT_EQ( editor.Run( { "prefs", "remove", "MaximumUndoSize" } ).mStatus, 1 );
 }
 
-TEST( TransferVerbs, WhatIsExportedIsImportedDisabled )
+TEST( StateVerbs, WhoeverOnlyLooksChangesNoByte )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    WriteRevision( editor, "9999_01_01.plist" );
+    ASSERT_EQ( editor.Run( { "rename", "One", "Eins" } ).mStatus, 0 );
+    editor.Save();
+    KVNotices::Post( { u"test", u"A title", u"A text", {}, 0 } );
+    SetAside::Entry entry;
+    const XBytes bytes( editor.Files().at( ( editor.Folder() / "Korvalen Macros.plist" ).native() ) );
+    ASSERT_FALSE( SetAside::Keep( SetAside::Kind::kUnsaved, bytes.Span(), u"a test", &entry ) );
+    const auto files = editor.Files();
+    for ( const std::vector<std::string>& look : std::vector<std::vector<std::string>>{ { "revisions", "list" },
+              { "revisions", "show", "launch" }, { "revisions", "compare", "launch" }, { "set-aside", "list" },
+              { "set-aside", "show", entry.mDigest }, { "set-aside", "compare", entry.mDigest },
+              { "prefs", "list", "--all" }, { "prefs", "get", "MaximumUndoSize" }, { "status" }, { "paths" },
+              { "share", "status" }, { "set-aside", "restore", entry.mDigest, "--dry-run" } } )
+    {
+        std::vector<std::string> asJSON = look;
+        asJSON.emplace_back( "--json" );
+        for ( const auto& arguments : { look, asJSON } )
+        {
+            const KorvalenResult result = editor.Run( arguments );
+            EXPECT_EQ( result.mErrors, "" ) << look[0] << " " << look.back();
+            EXPECT_NE( result.mOutput + look.back(), "" );
+        }
+        editor.Save();
+        EXPECT_EQ( editor.Files(), files ) << look[0] << " " << look.back();
+    }
+}
+
+TEST( StateVerbs, NoticesStandUntilTheyAreAnswered )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    KVNotices::Post( { u"test", u"Something Happened", u"Do something.", {}, 0 } );
+    EXPECT_THAT( editor.Run( { "status" } ).mOutput, HasSubstr( "Something Happened" ) );
+    EXPECT_THAT( editor.Run( { "status", "--answer" } ).mOutput, HasSubstr( "Do something." ) );
+    EXPECT_THAT( editor.Run( { "status" } ).mOutput, testing::Not( HasSubstr( "Something Happened" ) ) );
+    EXPECT_TRUE( KVNotices::Unanswered().empty() );
+}
+
+TEST( StateVerbs, ARevertTakesAllMacrosBackAndCanBeUndone )
 {
     EditorRun editor( MacrosOfEditorTests() );
     const __SafeCFPropertyList before = editor.Model();
-    EXPECT_THAT( editor.Run( { "export", "Beta", "-o", "b.kvmacros" } ).mOutput, StartsWith( "exported 1 macro to " ) );
-    EXPECT_EQ( editor.Run( { "export", "Beta", "-o", "b.txt" } ).mStatus, 2 );
-    EXPECT_EQ( editor.Run( { "export", "-o", "b.kvmacros" } ).mStatus, 2 );
-    EXPECT_THAT( editor.Run( { "import", "b.kvmacros", "--dry-run" } ).mOutput,
-        "would import 1 macro into the present group Beta\n" );
+    WriteRevision( editor, "2024_03_01.plist" );
+    WriteFile( editor.Folder() / "Revisions Version 9" / "2024_03_02.plist", "rubbish" );
+    ASSERT_EQ( editor.Run( { "delete", "Two" } ).mStatus, 0 );
+    // The edit waits for its save still: it mustn't be lost.
+    const __SafeCFPropertyList after = editor.Model();
+    EXPECT_EQ( editor.Run( { "revisions", "revert", "2024-03-02" } ).mStatus, 1 );
+    EXPECT_TRUE( editor.Model().Equals( after ) );
+    EXPECT_THAT( editor.Run( { "revisions", "revert", "2024-03-01", "--json" } ).mOutput,
+        HasSubstr( "\"date\": \"2024-03-01\"" ) );
+    editor.mWorld.mWork.RunAll();
     EXPECT_TRUE( editor.Model().Equals( before ) );
-    EXPECT_EQ( editor.Run( { "import", "none.kvmacros" } ).mStatus, 1 );
-    ASSERT_EQ( editor.Run( { "import", "b.kvmacros" } ).mStatus, 0 );
-    std::vector<bool> active;
-    MMacroSerializedObject::FindMacroGroupByUID( u"B" )->DoForEveryMacro(
-        [&active]( const MMacro& macro ) { active.push_back( macro.IsActive() ); } );
-    EXPECT_EQ( active, ( std::vector<bool>{ true, false } ) );
+    EXPECT_THAT( editor.Run( { "revisions", "show", "before-revert" } ).mOutput, testing::Not( HasSubstr( "Two" ) ) );
+    EXPECT_THAT( editor.Run( { "undo" } ).mOutput, StartsWith( "Undo Revert to March 1, 2024: " ) );
+    EXPECT_TRUE( editor.Model().Equals( after ) );
+}
+
+TEST( StateVerbs, EverySavedStateIsARevision )
+{
+    EditorRun editor( MacrosOfEditorTests() );
+    const __SafeCFPropertyList before = editor.Model();
+    ASSERT_EQ( editor.Run( { "rename", "Two", "Zwei" } ).mStatus, 0 );
     editor.Save();
-    EXPECT_EQ( editor.Run( { "undo" } ).mStatus, 0 );
+    ASSERT_EQ( editor.Run( { "delete", "Zwei" } ).mStatus, 0 );
+    editor.Save();
+    // One state shows each name, and going back to it or taking the macro out of it is an edit.
+    std::string words, withTwo, withZwei;
+    std::istringstream list( editor.Run( { "revisions", "list" } ).mOutput );
+    while ( std::getline( list, words ) )
+    {
+        const std::string state = words.substr( 0, words.find( ' ' ) );
+        const std::string shown = editor.Run( { "revisions", "show", state } ).mOutput;
+        if ( withTwo.empty() and state.starts_with( "state:" ) and shown.find( "Two\n" ) != std::string::npos )
+            withTwo = state;
+        if ( state.starts_with( "state:" ) and shown.find( "Zwei\n" ) != std::string::npos )
+            withZwei = state;
+    }
+    EXPECT_THAT(
+        editor.Run( { "revisions", "restore", withZwei, "Zwei" } ).mOutput, StartsWith( "restored Alpha › Zwei\n" ) );
+    ASSERT_TRUE( MMacroSerializedObject::FindMacroByUID( u"a2" ) );
+    EXPECT_THAT( editor.Run( { "revisions", "revert", withTwo } ).mOutput, StartsWith( "reverted to " + withTwo ) );
     EXPECT_TRUE( editor.Model().Equals( before ) );
+    EXPECT_THAT( editor.Run( { "undo" } ).mOutput, StartsWith( "Undo Revert to Saved " ) );
+    EXPECT_TRUE( MMacroSerializedObject::FindMacroByUID( u"a2" )->GetName() == u"Zwei" );
+}
+
+TEST( StateVerbs, WithoutAnEditorEachVerbIsAnUndoStepAndTheLaunchIsTheOneOfBefore )
+{
+    const KorvalenFolder folder;
+    const auto run = [&folder]( std::vector<std::string> arguments ) {
+        arguments.insert( arguments.end(), { "--folder", folder.Path( "data" ) } );
+        return RunKorvalenWith( arguments );
+    };
+    const auto has = [&folder]( const char* name ) {
+        return folder.Content( "data/Korvalen Macros.plist" ).find( name ) != std::string::npos;
+    };
+    for ( const char* const name : { "First1", "Second2", "Third3" } )
+        ASSERT_EQ( run( { "new", "macro", name } ).mStatus, 0 ) << name;
+    ASSERT_EQ( run( { "delete", "Second2" } ).mStatus, 0 );
+    // Whoever restores is the editor for a moment, and its own start is no launch that anybody would ask for.
+    EXPECT_THAT( run( { "revisions", "restore", "launch", "Second2" } ).mOutput, HasSubstr( "› Second2\n" ) );
+    EXPECT_TRUE( has( "Second2" ) );
+    for ( const char* const title : { "Undo Restore Macro: ", "Undo Delete Macro: ", "Undo Add Macro: " } )
+        EXPECT_THAT( run( { "undo" } ).mOutput, StartsWith( title ) );
+    EXPECT_TRUE( has( "Second2" ) );
+    EXPECT_FALSE( has( "Third3" ) );
+    EXPECT_THAT( run( { "redo" } ).mOutput, StartsWith( "Redo Add Macro: " ) );
+    EXPECT_TRUE( has( "Third3" ) );
+    KVPreferences::UseFolder( {} );
 }
