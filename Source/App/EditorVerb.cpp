@@ -9,7 +9,10 @@
 ExitStatus EditorVerb::Run( VerbContext& ioContext )
 {
     if ( ioContext.mIsInEditor )
+    {
+        Prepare( ioContext );
         return RunInEditor( ioContext );
+    }
     try
     {
         EditorSession session( ioContext.mHost );
@@ -18,6 +21,7 @@ ExitStatus EditorVerb::Run( VerbContext& ioContext )
             const auto status = AskTheEditor( ioContext, ReadsStandardInput() );
             return status ? *status : ComplainOfSilentEditor( ioContext.mOutput, session.Holder() );
         }
+        Prepare( ioContext );
         KVAppDelegate::Options options;
         options.mIsForOneVerb = true;
         session.Start( options );
