@@ -58,7 +58,10 @@ public:
             } );
     }
 
-    void Wait() { mQueue->Sync( [] {} ); }
+    void Wait()
+    {
+        mQueue->Sync( [] {} );
+    }
 
 private:
     void Keep( const MMacroFileData& inModel )
