@@ -2,6 +2,7 @@
 #include "Actions/HActionList.h"
 #include "Actions/HBaseAction.h"
 #include "App/MacrosFile.h"
+#include "App/ObjectSelection.h"
 #include "App/Verb.h"
 #include "Macros/MMacro.h"
 #include "Macros/MMacroDomain.h"
@@ -161,19 +162,6 @@ std::vector<Reason> ReasonsFor( const StringSearcher& inSearcher, const MMacroSe
     return reasons;
 }
 
-XMutableDictionary Facts( const MMacroSerializedObject& inObject )
-{
-    XMutableDictionary facts;
-    facts.SetText( CFSTR( "kind" ), inObject.SerializedObjectKindName() );
-    facts.SetText( CFSTR( "name" ), inObject.GetName() );
-    facts.SetText( CFSTR( "uid" ), inObject.GetUID() );
-    facts.SetBoolean( CFSTR( "active" ), inObject.IsActive() );
-    const MMacro* const macro = inObject.GetAsMacro();
-    if ( macro and macro->GetOwningGroup() )
-        facts.SetText( CFSTR( "group" ), macro->GetOwningGroup()->GetName() );
-    return facts;
-}
-
 class SearchVerb final : public Verb
 {
 public:
@@ -269,7 +257,7 @@ private:
             fact.SetText( CFSTR( "text" ), reason.mBefore + reason.mMatch + reason.mAfter );
             why.Append( fact.Seal() );
         }
-        XMutableDictionary facts = Facts( inObject );
+        XMutableDictionary facts = FactsOf( inObject );
         facts.Set( CFSTR( "why" ), why.Seal() );
         return facts.Seal();
     }
@@ -399,8 +387,8 @@ private:
         for ( const XText& string : inSmartGroup.GetSearchStrings() )
             strings.Append( string );
         for ( const MMacro* const macro : inMacros )
-            macros.Append( Facts( *macro ).Seal() );
-        XMutableDictionary facts = Facts( inSmartGroup );
+            macros.Append( FactsOf( *macro ).Seal() );
+        XMutableDictionary facts = FactsOf( inSmartGroup );
         facts.Set( CFSTR( "searchStrings" ), strings.Seal() );
         facts.Set( CFSTR( "macros" ), macros.Seal() );
         facts.SetBoolean( CFSTR( "timeSensitive" ), inSmartGroup.IsTimeSensitive() );
