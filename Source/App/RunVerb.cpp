@@ -8,6 +8,7 @@
 #include "Platform/Platform.h"
 #include "XCAF/XErrorHandler.h"
 #include "XCAF/XException.h"
+#include "XCAF/XFileWriting.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -58,6 +59,15 @@ private:
             ioContext.mOutput.Line( "the editor runs already" );
         for ( const std::string& file : mFiles )
         {
+            // The editor would tell it in its own terminal, where whoever typed this doesn't look.
+            XFileStatus facts;
+            if ( XFileCalls::Current().GetPathFacts( ioContext.Resolve( file ), facts ) != 0 )
+            {
+                ioContext.mOutput.Complain(
+                    "there is no file " + QuotedPath( file ) + "; check the name and the folder" );
+                status = ExitStatus::kFailed;
+                continue;
+            }
             if ( KVAppDelegate::appDelegate()->application( ioContext.Resolve( file ) ) )
             {
                 ioContext.mOutput.Line( "the editor that runs opens " + QuotedPath( file ) );
